@@ -1,0 +1,12 @@
+# 32-bit programs run through qemu-i386 where the kernel does not start them.
+if(CMAKE_SIZEOF_VOID_P EQUAL 4 AND NOT CMAKE_CROSSCOMPILING AND NOT CMAKE_CROSSCOMPILING_EMULATOR)
+  include(CheckCSourceRuns)
+  check_c_source_runs("int main(void) { return 0; }" QZ_ISP_RUNS_32_BIT)
+  if(NOT QZ_ISP_RUNS_32_BIT)
+    find_program(QZ_ISP_QEMU_I386 qemu-i386)
+    if(NOT QZ_ISP_QEMU_I386)
+      message(FATAL_ERROR "This kernel does not start 32-bit programs: install qemu-i386 (package qemu-user).")
+    endif()
+    set(CMAKE_CROSSCOMPILING_EMULATOR "${QZ_ISP_QEMU_I386};-cpu;max")
+  endif()
+endif()

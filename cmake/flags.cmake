@@ -1,0 +1,31 @@
+# Compile and link flags: one interface library for the code that ships in the device's libraries, and one for the
+# programs and tests around them.
+
+set(CMAKE_C_STANDARD 99)
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+endif()
+
+add_library(qz_isp_warnings INTERFACE)
+target_compile_options(qz_isp_warnings INTERFACE -Wall -Wextra -Wconversion -Wshadow)
+
+# Results are compared bit for bit: no contraction, no fast-math. The two flags that follow change no result; they let
+# conversions and comparisons vectorise.
+add_library(qz_isp_library_flags INTERFACE)
+target_link_libraries(qz_isp_library_flags INTERFACE qz_isp_warnings)
+target_compile_options(
+  qz_isp_library_flags
+  INTERFACE -ffp-contract=off -fno-math-errno -fno-trapping-math -fstack-protector-strong
+            $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti>
+            $<$<AND:$<CONFIG:Release>,$<NOT:$<BOOL:${QZ_ISP_SANITIZED}>>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
+target_link_options(qz_isp_library_flags INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
+if(NOT QZ_ISP_SANITIZED)
+  target_link_options(qz_isp_library_flags INTERFACE -Wl,--no-undefined)
+endif()

@@ -1,0 +1,74 @@
+#include "allocation_faults.h"
+
+extern "C" {
+void *__real_malloc(size_t size);
+void *__real_calloc(size_t count, size_t size);
+void __real_free(void *block);
+}
+
+namespace {
+
+long failing = faults::never;
+bool and_later = false;
+long asked = 0;
+long live = 0;
+
+bool fails_now()
+{
+    const long number = asked++;
+    return failing != faults::never && (number == failing || (and_later && number > failing));
+}
+
+void *counted(void *block)
+{
+    live += block != nullptr;
+    return block;
+}
+
+} // namespace
+
+extern "C" {
+
+void *__wrap_malloc(size_t size)
+{
+    return fails_now() ? nullptr : counted(__real_malloc(size));
+}
+
+void *__wrap_calloc(size_t count, size_t size)
+{
+    return fails_now() ? nullptr : counted(__real_calloc(count, size));
+}
+
+void __wrap_free(void *block)
+{
+    live -= block != nullptr;
+    __real_free(block);
+}
+}
+
+namespace faults {
+
+void fail_allocation(long n)
+{
+    failing = n;
+    and_later = false;
+    asked = 0;
+}
+
+void fail_from(long n)
+{
+    fail_allocation(n);
+    and_later = true;
+}
+
+long allocations()
+{
+    return asked;
+}
+
+long live_blocks()
+{
+    return live;
+}
+
+} // namespace faults

@@ -1,0 +1,2 @@
+# One line a test program: the rooms' suites against the shared library, then those that inject allocation faults.
+qz_isp_test(platform_test)

@@ -1,0 +1,35 @@
+// Conversion of floating point to integers, defined for every input: values out of range saturate, NaN gives 0.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+
+namespace qz {
+
+inline int32_t truncate_to_i32(float value)
+{
+    if (value >= -2147483648.0f && value < 2147483648.0f)
+        return static_cast<int32_t>(value);
+    if (value != value)
+        return 0;
+    return value < 0.0f ? std::numeric_limits<int32_t>::min() : std::numeric_limits<int32_t>::max();
+}
+
+inline int32_t truncate_to_i32(double value)
+{
+    if (value > -2147483649.0 && value < 2147483648.0)
+        return static_cast<int32_t>(value);
+    if (value != value)
+        return 0;
+    return value < 0.0 ? std::numeric_limits<int32_t>::min() : std::numeric_limits<int32_t>::max();
+}
+
+// Negative values give 0.
+inline uint32_t truncate_to_u32(float value)
+{
+    if (value > -1.0f && value < 4294967296.0f)
+        return static_cast<uint32_t>(value);
+    return value > 0.0f ? std::numeric_limits<uint32_t>::max() : 0;
+}
+
+} // namespace qz
