@@ -1,0 +1,293 @@
+/**
+ * @file
+ * AIC output record: the hardware parameters of one frame, 35288 bytes, little-endian.
+ *
+ * The record is a chain of blocks in a fixed order. Each starts on an 8-byte boundary with its id and its size in bytes
+ * (the 8-byte header included); padding up to the next block stays zero. Blocks whose purpose the hardware does not
+ * name carry the name of the tuning record that fills them, or their id.
+ *
+ * docs/record.md describes every field with its unit and range.
+ */
+#ifndef QZ_ISP_AIC_RECORD_H
+#define QZ_ISP_AIC_RECORD_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+/** Bytes of the record. */
+#define AIC_RECORD_SIZE 35288u
+/** Bytes in use without lens shading: where the lens shading block starts. */
+#define AIC_FIXED_SIZE 4928u
+/** Entries that each of the four lens shading tables has room for. */
+#define AIC_LENS_SHADING_MAX_ENTRIES 3789u
+/** Bytes from the start of the lens shading block to its first table. */
+#define AIC_LENS_SHADING_TABLES_OFFSET 48u
+/** Entries that a gamma table has room for. */
+#define AIC_GAMMA_MAX_ENTRIES 257u
+
+/**
+ * The blocks in record order: X(name, id, size, offset). The size of the lens shading block is that of an empty one.
+ */
+#define AIC_BLOCKS(X)                                                                                                  \
+    X(white_balance, 1, 28, 0)                                                                                         \
+    X(defect_pixel, 2, 32, 32)                                                                                         \
+    X(long_3, 3, 36, 64)                                                                                               \
+    X(yuv_to_rgb, 4, 48, 104)                                                                                          \
+    X(temporal_noise_reduction, 5, 20, 152)                                                                            \
+    X(rec_3, 6, 14, 176)                                                                                               \
+    X(y_edge_enhancement, 8, 16, 192)                                                                                  \
+    X(fringe_control, 7, 34, 208)                                                                                      \
+    X(block_9, 9, 12, 248)                                                                                             \
+    X(chroma_nr, 10, 24, 264)                                                                                          \
+    X(ctc, 37, 30, 288)                                                                                                \
+    X(rec_13_a, 11, 10, 320)                                                                                           \
+    X(rec_13_b, 12, 10, 336)                                                                                           \
+    X(edge_enhancement, 13, 20, 352)                                                                                   \
+    X(macc, 14, 136, 376)                                                                                              \
+    X(macc_shift, 15, 9, 512)                                                                                          \
+    X(noise_reduction, 16, 28, 528)                                                                                    \
+    X(black_level, 17, 24, 560)                                                                                        \
+    X(xnr, 18, 10, 584)                                                                                                \
+    X(rgb_to_yuv, 19, 48, 600)                                                                                         \
+    X(rec_16, 20, 88, 648)                                                                                             \
+    X(block_21, 21, 12, 736)                                                                                           \
+    X(block_22, 22, 10, 752)                                                                                           \
+    X(block_23, 23, 20, 768)                                                                                           \
+    X(long_5, 29, 588, 792)                                                                                            \
+    X(long_6, 31, 1188, 1384)                                                                                          \
+    X(long_7, 32, 256, 2576)                                                                                           \
+    X(long_13, 33, 32, 2832)                                                                                           \
+    X(long_11, 35, 64, 2864)                                                                                           \
+    X(long_12, 34, 396, 2928)                                                                                          \
+    X(frame_counter, 24, 12, 3328)                                                                                     \
+    X(gamma_0, 25, 528, 3344)                                                                                          \
+    X(gamma_1, 26, 528, 3872)                                                                                          \
+    X(gamma_2, 27, 528, 4400)                                                                                          \
+    X(lens_shading, 28, 48, 4928)
+
+/** White-balance gains: gain = coefficient * 2^shift / 65536. */
+typedef struct aic_white_balance {
+    uint32_t shift;   /**< Bit length of the largest gain's integer part. */
+    uint32_t gain[4]; /**< Coefficients with 16 - shift fractional bits, below 65536. */
+} aic_white_balance;
+
+/** Defect pixel correction. */
+typedef struct aic_defect_pixel {
+    uint32_t param[2];
+    uint32_t gain[4]; /**< Copies of the white-balance coefficients. */
+} aic_defect_pixel;
+
+/** Tuned values and the white-balance gains in a fixed format. */
+typedef struct aic_long_3 {
+    uint32_t param[3];
+    uint32_t gain[4]; /**< White-balance gains with 9 fractional bits (512 = unity). */
+} aic_long_3;
+
+/** A 3x3 colour matrix: coefficient k stands for k / 2^frac_bits. */
+typedef struct aic_colour_matrix {
+    uint32_t frac_bits; /**< 0 to 13. */
+    int32_t coeff[9];   /**< Row by row, within 14 signed bits. */
+} aic_colour_matrix;
+
+/** Three parameters (temporal noise reduction, edge enhancement, block 23). */
+typedef struct aic_params_3 {
+    uint32_t param[3];
+} aic_params_3;
+
+/** Bayer noise reduction. */
+typedef struct aic_noise_reduction {
+    uint32_t param[5];
+} aic_noise_reduction;
+
+/** Three 16-bit values of tuning record rec_3. */
+typedef struct aic_rec_3 {
+    uint16_t value[3];
+} aic_rec_3;
+
+/** Y edge enhancement, each 0 to 8191 unless tuned higher. */
+typedef struct aic_y_edge_enhancement {
+    uint16_t param[4];
+} aic_y_edge_enhancement;
+
+/** Fringe control: mantissas with one shared exponent. */
+typedef struct aic_fringe_control {
+    uint8_t exponent;
+    uint8_t unused;           /**< Zero, or as it was. */
+    uint16_t field_0_to_3[4]; /**< From the second table of the tuning record. */
+    uint16_t field_4_to_7[4]; /**< Moved by sharpness. */
+    uint16_t field_8_to_9[2];
+    int16_t field_10_to_11[2]; /**< Never positive. */
+} aic_fringe_control;
+
+/** One 32-bit value. */
+typedef struct aic_word {
+    uint32_t value;
+} aic_word;
+
+/** One 16-bit value. */
+typedef struct aic_half_word {
+    uint16_t value;
+} aic_half_word;
+
+/** Chroma noise reduction. */
+typedef struct aic_chroma_nr {
+    uint16_t field[8]; /**< Fields 2 to 7 are scaled by the noise reduction strength. */
+} aic_chroma_nr;
+
+/** Chroma tone control: scaled value = mantissa * 2^(shift - tuned base shift). */
+typedef struct aic_ctc {
+    uint16_t mantissa[6]; /**< 0 to 8191. */
+    uint16_t shift;
+    uint16_t value[4]; /**< Tuned values as they are. */
+} aic_ctc;
+
+/** Multi-axis colour correction: sixteen 2x2 matrices; coefficient k stands for k * 2^s / 8192. */
+typedef struct aic_macc {
+    int16_t coeff[16][4];
+} aic_macc;
+
+/** One byte. */
+typedef struct aic_byte {
+    uint8_t value;
+} aic_byte;
+
+/** Black levels of the four channels as fractions of full scale; 65536 = full scale. */
+typedef struct aic_black_level {
+    uint32_t level[4];
+} aic_black_level;
+
+/** XNR: a 16-bit parameter that is computed as a 32-bit word, whose upper half is padding. */
+typedef union aic_xnr {
+    uint16_t param;
+    uint32_t word;
+} aic_xnr;
+
+/** Fixed and tuned filter coefficients. */
+typedef struct aic_rec_16 {
+    uint32_t value[20]; /**< Two's complement where negative. */
+} aic_rec_16;
+
+/** Two 16-bit values. */
+typedef struct aic_half_words_2 {
+    uint16_t value[2];
+} aic_half_words_2;
+
+/** Two bytes. */
+typedef struct aic_bytes_2 {
+    uint8_t value[2];
+} aic_bytes_2;
+
+/** Two curves of 64 entries, 0 to 8191, and 17 parameters. */
+typedef struct aic_long_5 {
+    uint32_t curve_a[64];
+    uint32_t curve_b[64];
+    uint32_t param[17];
+} aic_long_5;
+
+/** Values of tuning record long_6. */
+typedef struct aic_long_6 {
+    uint32_t param[295];
+} aic_long_6;
+
+/** Values of tuning record long_7. */
+typedef struct aic_long_7 {
+    uint32_t param[62];
+} aic_long_7;
+
+/** Values of tuning record long_13. */
+typedef struct aic_long_13 {
+    uint32_t param[6];
+} aic_long_13;
+
+/** Values of tuning record long_11. */
+typedef struct aic_long_11 {
+    uint32_t param[14];
+} aic_long_11;
+
+/** Values of tuning record long_12. */
+typedef struct aic_long_12 {
+    uint32_t param[97];
+} aic_long_12;
+
+/** A gamma table of 256 or 257 entries. */
+typedef struct aic_gamma {
+    uint32_t has_257_entries; /**< 1: 257 entries are in use, 0: 256. */
+    uint16_t table[AIC_GAMMA_MAX_ENTRIES];
+    uint16_t padding;
+} aic_gamma;
+
+/** Lens shading: four gain tables over one colour plane of the frame. */
+typedef struct aic_lens_shading {
+    uint32_t enable;        /**< 1: the tables are valid. */
+    uint32_t scaled_width;  /**< Frame width after scaling, low 16 bits. */
+    uint32_t scaled_height; /**< Frame height after scaling, low 16 bits. */
+    uint32_t columns;       /**< Table entries in a row. */
+    uint32_t rows;          /**< Rows of a table. */
+    uint32_t format;        /**< Fractional bits of the entries: 8. */
+    /** Where the tables are: addresses on 32-bit targets, else byte offsets from the start of the record. */
+    uint32_t table[4];
+    /** The tables, channel 0 first, each rows x columns entries without a gap. */
+    uint16_t entries[4 * AIC_LENS_SHADING_MAX_ENTRIES];
+} aic_lens_shading;
+
+/** A block with @p payload_type as its payload, whose size is a multiple of 8. */
+#define AIC_BLOCK_TYPE(name, payload_type)                                                                             \
+    typedef struct aic_##name##_block {                                                                                \
+        uint32_t id;                                                                                                   \
+        uint32_t size;                                                                                                 \
+        payload_type payload;                                                                                          \
+    } aic_##name##_block
+
+/** As AIC_BLOCK_TYPE, with padding_size bytes up to the next 8-byte boundary. */
+#define AIC_PADDED_BLOCK_TYPE(name, payload_type, padding_size)                                                        \
+    typedef struct aic_##name##_block {                                                                                \
+        uint32_t id;                                                                                                   \
+        uint32_t size;                                                                                                 \
+        payload_type payload;                                                                                          \
+        uint8_t padding[padding_size];                                                                                 \
+    } aic_##name##_block
+
+AIC_PADDED_BLOCK_TYPE(white_balance, aic_white_balance, 4);
+AIC_BLOCK_TYPE(defect_pixel, aic_defect_pixel);
+AIC_PADDED_BLOCK_TYPE(long_3, aic_long_3, 4);
+AIC_BLOCK_TYPE(yuv_to_rgb, aic_colour_matrix);
+AIC_PADDED_BLOCK_TYPE(temporal_noise_reduction, aic_params_3, 4);
+AIC_PADDED_BLOCK_TYPE(rec_3, aic_rec_3, 2);
+AIC_BLOCK_TYPE(y_edge_enhancement, aic_y_edge_enhancement);
+AIC_PADDED_BLOCK_TYPE(fringe_control, aic_fringe_control, 6);
+AIC_PADDED_BLOCK_TYPE(block_9, aic_word, 4);
+AIC_BLOCK_TYPE(chroma_nr, aic_chroma_nr);
+AIC_PADDED_BLOCK_TYPE(ctc, aic_ctc, 2);
+AIC_PADDED_BLOCK_TYPE(rec_13_a, aic_half_word, 6);
+AIC_PADDED_BLOCK_TYPE(rec_13_b, aic_half_word, 6);
+AIC_PADDED_BLOCK_TYPE(edge_enhancement, aic_params_3, 4);
+AIC_BLOCK_TYPE(macc, aic_macc);
+AIC_PADDED_BLOCK_TYPE(macc_shift, aic_byte, 7);
+AIC_PADDED_BLOCK_TYPE(noise_reduction, aic_noise_reduction, 4);
+AIC_BLOCK_TYPE(black_level, aic_black_level);
+AIC_PADDED_BLOCK_TYPE(xnr, aic_xnr, 4);
+AIC_BLOCK_TYPE(rgb_to_yuv, aic_colour_matrix);
+AIC_BLOCK_TYPE(rec_16, aic_rec_16);
+AIC_PADDED_BLOCK_TYPE(block_21, aic_half_words_2, 4);
+AIC_PADDED_BLOCK_TYPE(block_22, aic_bytes_2, 6);
+AIC_PADDED_BLOCK_TYPE(block_23, aic_params_3, 4);
+AIC_PADDED_BLOCK_TYPE(long_5, aic_long_5, 4);
+AIC_PADDED_BLOCK_TYPE(long_6, aic_long_6, 4);
+AIC_BLOCK_TYPE(long_7, aic_long_7);
+AIC_BLOCK_TYPE(long_13, aic_long_13);
+AIC_BLOCK_TYPE(long_11, aic_long_11);
+AIC_PADDED_BLOCK_TYPE(long_12, aic_long_12, 4);
+AIC_PADDED_BLOCK_TYPE(frame_counter, aic_word, 4);
+AIC_BLOCK_TYPE(gamma_0, aic_gamma);
+AIC_BLOCK_TYPE(gamma_1, aic_gamma);
+AIC_BLOCK_TYPE(gamma_2, aic_gamma);
+AIC_BLOCK_TYPE(lens_shading, aic_lens_shading);
+
+/** The whole record. */
+typedef struct aic_record {
+#define AIC_MEMBER(name, id, size, offset) aic_##name##_block name;
+    AIC_BLOCKS(AIC_MEMBER)
+#undef AIC_MEMBER
+} aic_record;
+
+#endif
