@@ -1,0 +1,32 @@
+// qz-isp-bench: how long the library's routines take, beside other libraries where these are installed.
+#include <benchmark/benchmark.h>
+
+#include "compare.h"
+#include "subjects.h"
+
+#ifdef QZ_BENCH_OPENCV
+#include <opencv2/core.hpp>
+#endif
+#ifdef QZ_BENCH_OPENBLAS
+#include <cblas.h>
+#endif
+
+int main(int argc, char **argv)
+{
+    // Every contender runs on one thread.
+#ifdef QZ_BENCH_OPENCV
+    cv::setNumThreads(1);
+#endif
+#ifdef QZ_BENCH_OPENBLAS
+    openblas_set_num_threads(1);
+#endif
+
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    bench::register_table_resize();
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    bench::print_ratios();
+    return 0;
+}

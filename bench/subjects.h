@@ -1,0 +1,8 @@
+// One registration function for each file of benchmarks.
+#pragma once
+
+namespace bench {
+
+void register_table_resize();
+
+} // namespace bench
