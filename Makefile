@@ -1,0 +1,72 @@
+# Thin front of the CMake presets: `make run` and `make test` work on a fresh Debian 12, as root or through sudo.
+SHELL := /bin/bash
+JOBS ?= $(shell nproc)
+TEST_PRESETS := native x86 asan
+SOURCES = $(shell git ls-files '*.c' '*.cpp' '*.h')
+LIBRARY_ROOMS := frame tuning color noise_detail util platform
+TIDY_SOURCES = $(shell git ls-files $(addsuffix /*.cpp,$(LIBRARY_ROOMS)) 'tools/*.cpp' 'examples/*.c')
+
+.PHONY: help run test $(addprefix test-,$(TEST_PRESETS)) check check-format check-tidy check-cppcheck format bench \
+	coverage clean
+
+help:
+	@echo 'make run       install what is missing, build, and print the record of a sample frame'
+	@echo 'make test      install what is missing, build every target, and run all tests of all of them'
+	@echo 'make check     formatting, clang-tidy and cppcheck'
+	@echo 'make format    format the sources'
+	@echo 'make bench     build and run the benchmarks'
+	@echo 'make coverage  line coverage of the tests'
+
+run:
+	@scripts/install-deps.sh run
+	@cmake --preset native -DQZ_ISP_EXAMPLES=OFF > /dev/null
+	@cmake --build --preset native --target qz-isp --parallel $(JOBS)
+	@build/native/qz-isp run
+
+test:
+	scripts/install-deps.sh test
+	$(MAKE) --no-print-directory $(addprefix test-,$(TEST_PRESETS))
+
+$(addprefix test-,$(TEST_PRESETS)): test-%:
+	cmake --preset $* -DQZ_ISP_EXAMPLES=ON
+	cmake --build --preset $* --parallel $(JOBS)
+	ctest --preset $* --parallel $(JOBS) --no-tests=error --progress
+
+# One preset after the other: each build uses all cores.
+.NOTPARALLEL:
+
+check:
+	scripts/install-deps.sh check
+	$(MAKE) --no-print-directory check-format check-tidy check-cppcheck
+
+check-format:
+	clang-format --dry-run -Werror $(SOURCES)
+
+check-tidy:
+	cmake --preset native -DQZ_ISP_EXAMPLES=ON > /dev/null
+	printf '%s\n' $(TIDY_SOURCES) | xargs -P $(JOBS) -n 1 clang-tidy -p build/native --quiet
+
+check-cppcheck:
+	mkdir -p build/cppcheck
+	cppcheck --quiet --error-exitcode=1 --std=c++20 --enable=warning,performance,portability --inline-suppr -j $(JOBS) \
+		--cppcheck-build-dir=build/cppcheck -I include -I platform/include -I . \
+		$(TIDY_SOURCES)
+
+format:
+	clang-format -i $(SOURCES)
+
+bench:
+	scripts/install-deps.sh bench
+	cmake --preset bench
+	cmake --build --preset bench --parallel $(JOBS)
+	build/bench/qz-isp-bench
+
+coverage:
+	scripts/install-deps.sh coverage
+	cmake --preset coverage
+	cmake --build --preset coverage --parallel $(JOBS)
+	ctest --preset coverage --parallel $(JOBS) --no-tests=error
+	gcovr --root . --object-directory build/coverage --exclude tests --exclude build --print-summary
+
+clean:
+	rm -rf build

@@ -1,0 +1,42 @@
+#!/bin/bash
+# Installs the Debian packages of one or more groups, and only those that are missing.
+#
+#   scripts/install-deps.sh GROUP...     groups: run test check bench fuzz coverage
+set -euo pipefail
+
+run="g++ make cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev"
+test="$run g++-multilib qemu-user googletest"
+check="$test clang-format clang-tidy cppcheck"
+bench="$run libbenchmark-dev libeigen3-dev libopencv-core-dev libopencv-imgproc-dev libopenblas-dev libyuv-dev
+       libxxhash-dev"
+fuzz="$run clang"
+coverage="$test gcovr"
+
+missing=()
+for group in "$@"; do
+    case "$group" in
+    run | test | check | bench | fuzz | coverage) ;;
+    *)
+        echo "install-deps.sh: found group '$group', expected run, test, check, bench, fuzz or coverage" >&2
+        exit 2
+        ;;
+    esac
+    for package in ${!group}; do
+        state=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
+        if [ "$state" != installed ] && [[ " ${missing[*]} " != *" $package "* ]]; then
+            missing+=("$package")
+        fi
+    done
+done
+if [ ${#missing[@]} -eq 0 ]; then
+    exit 0
+fi
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+    as_root=(sudo)
+fi
+echo "Installing: ${missing[*]}" >&2
+# Standard output stays free for what the caller prints.
+"${as_root[@]}" apt-get update -qq >&2
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
