@@ -27,6 +27,8 @@ void *counted(void *block)
 
 } // namespace
 
+// Visible, because the sanitizers' linker looks for them on behalf of the shared libraries too.
+#pragma GCC visibility push(default)
 extern "C" {
 
 void *__wrap_malloc(size_t size)
@@ -45,6 +47,7 @@ void __wrap_free(void *block)
     __real_free(block);
 }
 }
+#pragma GCC visibility pop
 
 namespace faults {
 
