@@ -24,6 +24,7 @@ int main(int argc, char **argv)
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;
+    bench::register_nearest();
     bench::register_table_resize();
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();

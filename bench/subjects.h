@@ -3,6 +3,7 @@
 
 namespace bench {
 
+void register_nearest();
 void register_table_resize();
 
 } // namespace bench

@@ -10,3 +10,5 @@ qz_isp_test(polynomial_test)
 qz_isp_every_path(polynomial_test)
 
 qz_isp_fault_test(matrix_fault_test)
+qz_isp_test(nearest_test)
+qz_isp_every_path(nearest_test)

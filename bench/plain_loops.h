@@ -1,0 +1,12 @@
+// Straightforward loops, for routines that no other library has.
+#pragma once
+
+#include <cstdint>
+
+namespace bench {
+
+// Row and column ends are one behind the last element of each block.
+void plain_block_maxima(const int32_t *src, int src_width, int32_t *dst, int dst_width, int dst_height,
+                        const int *row_ends, const int *column_ends);
+
+} // namespace bench
