@@ -1,0 +1,35 @@
+// Four floats side by side, on every target one register.
+#pragma once
+
+#include <cstring>
+
+namespace qz {
+
+using f32x4 = float __attribute__((vector_size(16)));
+
+inline f32x4 load4(const float *from)
+{
+    f32x4 value;
+    std::memcpy(&value, from, sizeof value);
+    return value;
+}
+
+inline void store4(float *to, f32x4 value)
+{
+    std::memcpy(to, &value, sizeof value);
+}
+
+// Afterwards lane i of row k is what lane k of row i was.
+[[gnu::always_inline]] inline void transpose4(f32x4 &r0, f32x4 &r1, f32x4 &r2, f32x4 &r3)
+{
+    const f32x4 low01 = __builtin_shufflevector(r0, r1, 0, 4, 1, 5);
+    const f32x4 high01 = __builtin_shufflevector(r0, r1, 2, 6, 3, 7);
+    const f32x4 low23 = __builtin_shufflevector(r2, r3, 0, 4, 1, 5);
+    const f32x4 high23 = __builtin_shufflevector(r2, r3, 2, 6, 3, 7);
+    r0 = __builtin_shufflevector(low01, low23, 0, 1, 4, 5);
+    r1 = __builtin_shufflevector(low01, low23, 2, 3, 6, 7);
+    r2 = __builtin_shufflevector(high01, high23, 0, 1, 4, 5);
+    r3 = __builtin_shufflevector(high01, high23, 2, 3, 6, 7);
+}
+
+} // namespace qz
