@@ -8,6 +8,7 @@ qz_isp_test(matrix_test)
 qz_isp_every_path(matrix_test)
 qz_isp_test(polynomial_test)
 qz_isp_every_path(polynomial_test)
+qz_isp_test(noise_detail_test)
 
 qz_isp_fault_test(matrix_fault_test)
 qz_isp_test(nearest_test)

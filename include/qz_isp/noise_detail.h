@@ -34,7 +34,7 @@ QZ_ISP_API void compute_noise_reduction(uint16_t gain, const isp_table_slot *slo
 QZ_ISP_API void compute_temporal_noise_reduction(uint16_t gain, const isp_table_slot *slot, int8_t strength,
                                                  uint32_t *param0, uint32_t *param1, uint32_t *param2);
 
-/** XNR: rows of a key and one value. @param param receives 32 bits, of which the upper 16 are zero */
+/** XNR: rows of a key and one value. @param param receives 32 bits, of which values between the tuned ones use 16 */
 QZ_ISP_API void compute_xnr(uint16_t gain, const isp_table_slot *slot, uint32_t *param);
 
 /**

@@ -1,0 +1,93 @@
+#include <algorithm>
+#include <cstdlib>
+
+#include "noise_detail/gain_rows.h"
+#include "qz_isp/noise_detail.h"
+#include "util/float_to_int.h"
+
+namespace {
+
+struct row {
+    uint16_t key;
+    uint16_t unsigned_field[6]; // for fields 4 to 9
+    int16_t signed_field[2];    // for fields 10 and 11
+};
+
+struct extra_row {
+    uint16_t field[4]; // for fields 0 to 3
+};
+
+// Fields 0 to 11 before they are brought to 13 bits.
+using wide_fields = int32_t[12];
+
+template <typename Row, typename T, size_t count>
+int32_t *interpolate(const qz::row_pair<Row> &pair, T (Row::*columns)[count], int32_t *out)
+{
+    for (size_t k = 0; k < count; ++k)
+        *out++ = static_cast<int32_t>(pair.at(columns, k));
+    return out;
+}
+
+// Towards 65535 for a positive sharpness, which reaches it at 127; towards 0 for a negative one, at -128.
+int32_t moved(int32_t value, int8_t sharpness)
+{
+    constexpr int32_t top = 65535;
+    if (sharpness > 0) {
+        const auto way = static_cast<float>(sharpness * (top - value));
+        const float result = way / 127.0f + static_cast<float>(value);
+        return result < static_cast<float>(top) ? qz::truncate_to_i32(result) : top;
+    }
+    if (sharpness < 0) {
+        const auto way = static_cast<float>(sharpness * value);
+        const float result = way * 0.0078125f + static_cast<float>(value);
+        return result > 0.0f ? qz::truncate_to_i32(result) : 0;
+    }
+    return value;
+}
+
+// The right shift that brings every field to a magnitude of 13 bits.
+uint32_t common_shift(const wide_fields &fields)
+{
+    int32_t largest = 0;
+    for (const int32_t field : fields)
+        largest = std::max(largest, std::abs(field));
+    return calc_shifter(static_cast<uint32_t>(largest) >> 13);
+}
+
+template <typename T, size_t count>
+const int32_t *store(const int32_t *fields, uint32_t shift, T (&out)[count])
+{
+    for (T &field : out)
+        field = static_cast<T>(*fields++ >> shift);
+    return fields;
+}
+
+} // namespace
+
+void compute_fringe_control(uint16_t gain, const isp_fringe_control_slot *slot, int8_t sharpness,
+                            aic_fringe_control *block)
+{
+    const qz::gain_rows<row> rows(slot->record, slot->data);
+    if (rows.empty())
+        return;
+
+    wide_fields fields = {};
+    const auto *extra = static_cast<const extra_row *>(slot->extra);
+    const auto pair = rows.around(gain);
+    if (extra != nullptr)
+        interpolate(pair.in(extra), &extra_row::field, fields);
+    int32_t *const fields_10_to_11 = interpolate(pair, &row::unsigned_field, fields + 4);
+    interpolate(pair, &row::signed_field, fields_10_to_11);
+    for (size_t k = 4; k < 8; ++k)
+        fields[k] = moved(fields[k], sharpness);
+
+    const uint32_t shift = common_shift(fields);
+    block->exponent = static_cast<uint8_t>(shift + slot->count2);
+    if (extra != nullptr)
+        store(fields, shift, block->field_0_to_3);
+    const int32_t *next = store(fields + 4, shift, block->field_4_to_7);
+    next = store(next, shift, block->field_8_to_9);
+    store(next, shift, block->field_10_to_11);
+    for (int16_t &field : block->field_10_to_11)
+        field = std::min(field, int16_t{0});
+}

@@ -1,0 +1,31 @@
+#include "noise_detail/gain_rows.h"
+#include "noise_detail/strength.h"
+#include "qz_isp/noise_detail.h"
+
+namespace {
+
+struct row {
+    uint16_t key;
+    uint16_t param[4];
+};
+
+} // namespace
+
+void compute_y_edge_enhancement(uint16_t gain, const isp_table_slot *slot, int8_t sharpness, uint16_t *param0,
+                                uint16_t *param1, uint16_t *param2, uint16_t *param3)
+{
+    const qz::gain_rows<row> rows(*slot);
+    if (rows.empty())
+        return;
+
+    const auto pair = rows.around(gain);
+    uint16_t *const params[] = {param0, param1, param2, param3};
+    for (size_t k = 0; k < 4; ++k)
+        *params[k] = static_cast<uint16_t>(pair.at(&row::param, k));
+    if (sharpness == 0)
+        return;
+
+    const float factor = qz::strength_factor(sharpness, qz::fifth_to_fivefold);
+    for (uint16_t *param : params)
+        *param = qz::scaled_to_13_bits(*param, factor);
+}
