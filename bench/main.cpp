@@ -26,6 +26,8 @@ int main(int argc, char **argv)
         return 1;
     bench::register_nearest();
     bench::register_table_resize();
+    bench::register_matrix();
+    bench::register_checksum();
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     bench::print_ratios();

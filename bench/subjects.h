@@ -3,6 +3,8 @@
 
 namespace bench {
 
+void register_checksum();
+void register_matrix();
 void register_nearest();
 void register_table_resize();
 
