@@ -1,0 +1,80 @@
+#include <algorithm>
+#include <cstddef>
+
+#include "qz_isp/color.h"
+#include "qz_isp/table_resize.h"
+#include "qz_mkn.h"
+#include "util/float_to_int.h"
+
+namespace {
+
+constexpr float straight_line[] = {0.0f, 1.0f};
+
+void note(qz_mkn *mkn, uint8_t value)
+{
+    constexpr uint32_t gamma_record = 540;
+    if (mkn != nullptr)
+        qz_mkn_add_record(mkn, QZ_MKN_U8, gamma_record, &value, 1, nullptr);
+}
+
+// Factor, in units of 1/1024, that brings a curve's last point to 4095. The resized curve is in units of 1/256.
+uint32_t normalising_scale(float last)
+{
+    constexpr uint32_t full_scale = 4095 * 1024;
+    const auto fixed = static_cast<uint16_t>(qz::truncate_to_i32(last * 256.0f));
+    return full_scale / (fixed != 0 ? fixed : 256) - 1;
+}
+
+// 0 up to the threshold, the last entry's value from there on.
+void make_two_level(uint16_t *table, uint16_t len, float threshold)
+{
+    if (len == 0)
+        return;
+    const uint16_t high = table[len - 1];
+    const uint32_t step = qz::truncate_to_u32(static_cast<float>(len) * threshold);
+    for (size_t i = 0; i < len; ++i)
+        table[i] = i < step ? 0 : high;
+}
+
+} // namespace
+
+void compute_gamma(const isp_gamma_params *gamma, const float *curve, uint32_t effects, uint16_t *table, uint32_t len,
+                   float threshold, qz_mkn *mkn)
+{
+    note(mkn, gamma != nullptr ? 2 : 0);
+    if (gamma == nullptr)
+        return;
+
+    auto points = static_cast<int32_t>(gamma->point_count);
+    if (curve == nullptr) {
+        curve = straight_line;
+        points = 2;
+    }
+    if (points < 2)
+        return;
+
+    const auto entries = static_cast<uint16_t>(len);
+    isp_resize_1d_array_uint16(curve, points, normalising_scale(curve[points - 1]), table, entries);
+    if ((effects & (ISP_EFFECT_NEGATIVE | ISP_EFFECT_NEGATIVE_ALT)) != 0)
+        invert_gamma(table, entries);
+    if ((effects & ISP_EFFECT_TWO_LEVEL) != 0)
+        make_two_level(table, entries, threshold);
+}
+
+void invert_gamma(uint16_t *table, uint16_t len)
+{
+    if (len == 0)
+        return;
+    const uint16_t last = table[len - 1];
+    for (size_t i = 0; i < len; ++i)
+        table[i] = static_cast<uint16_t>(last - table[i]);
+}
+
+void invert_gamma_f(float *table, uint16_t len)
+{
+    if (len == 0)
+        return;
+    const float last = table[len - 1];
+    for (size_t i = 0; i < len; ++i)
+        table[i] = last - table[i];
+}
