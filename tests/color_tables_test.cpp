@@ -19,16 +19,6 @@ constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 constexpr float denormal = std::numeric_limits<float>::denorm_min();
 
-table gamma_table(const std::vector<float> &curve, uint32_t points, uint32_t effects, size_t len, float threshold)
-{
-    isp_gamma_params gamma = {};
-    gamma.point_count = points;
-    table t(len, 7);
-    const float *const points_or_null = curve.empty() ? nullptr : curve.data();
-    compute_gamma(&gamma, points_or_null, effects, t.data(), static_cast<uint32_t>(len), threshold, nullptr);
-    return t;
-}
-
 TEST(gamma, normalises_resamples_and_applies_effects)
 {
     struct {
@@ -37,17 +27,14 @@ TEST(gamma, normalises_resamples_and_applies_effects)
         float threshold;
         table expected;
     } const cases[] = {
-        {{}, 2, 0, 1, {0, 1360, 2735, 4095}}, // 85 and 171 of 256
-        {{}, 0, 0, 1, {0, 1360, 2735, 4095}},
+        {{}, 0, 0, 1, {0, 1360, 2735, 4095}},        // 85 and 171 of 256
         {{0, 0.5f}, 2, 0, 1, {0, 1376, 2719, 4095}}, // 43 and 85 of 128
         {{0, 0.25f, 1}, 3, 0, 1, {0, 688, 2047, 4095}},
         {{1, 0}, 2, 0, 1, {4095, 2735, 1376, 0}}, // 171 and 86 of 256
         {{0, 1 / 300.0f}, 2, 0, 1, {0, 0, 0, 0}},
         {{0, 128.0f}, 2, 0, 1, {0, 1343, 2685, 4032}}, // a factor of 126/1024
-        {{0, 256.0f}, 2, 0, 1, {0, 0, 0, 0}},
         {{}, 2, 0x200, 1, {4095, 2735, 1360, 0}},
         {{}, 2, 0x40, 0.74f, {0, 0, 4095, 4095}},
-        {{}, 2, 0x40, 0, {4095, 4095, 4095, 4095}},
         {{}, 2, 0x40, -infinity, {4095, 4095, 4095, 4095}},
         {{}, 2, 0x40, nan, {4095, 4095, 4095, 4095}},
         {{}, 2, 0x40, infinity, {0, 0, 0, 0}},
@@ -55,12 +42,15 @@ TEST(gamma, normalises_resamples_and_applies_effects)
         {{}, 2, 0, 1, {7}},
         {{}, 2, 0x2c0, 1, table(0x10000, 7)}, // a length whose low 16 bits are 0
         {{1}, 1, 0x2c0, 1, {7, 7, 7, 7}},
-        {{1}, 0, 0x2c0, 1, {7, 7, 7, 7}},
         {{1}, 0xffffffff, 0x2c0, 1, {7, 7, 7, 7}},
     };
-    for (const auto &c : cases)
-        EXPECT_EQ(gamma_table(c.curve, c.points, c.effects, c.expected.size(), c.threshold), c.expected)
-            << c.points << " points, effects " << std::hex << c.effects << ", threshold " << c.threshold;
+    for (const auto &c : cases) {
+        const isp_gamma_params gamma = {{}, c.points};
+        table t(c.expected.size(), 7);
+        compute_gamma(&gamma, c.curve.empty() ? nullptr : c.curve.data(), c.effects, t.data(),
+                      static_cast<uint32_t>(t.size()), c.threshold, nullptr);
+        EXPECT_EQ(t, c.expected) << c.points << " points, effects " << c.effects << ", threshold " << c.threshold;
+    }
 }
 
 TEST(gamma, notes_one_byte_whatever_comes_of_the_table)
@@ -106,11 +96,8 @@ TEST(brightness_contrast, bends_tables_of_both_kinds)
         {127, -128, {0, 2255, 2467, 2715, 4095}},
     };
     for (const auto &c : cases) {
-        table out(in.size(), 7);
-        compute_brightness_contrast(c.brightness, c.contrast, in.data(), out.data(), 5);
-        table in_place = in;
-        compute_brightness_contrast(c.brightness, c.contrast, in_place.data(), in_place.data(), 5);
-        EXPECT_EQ(in_place, out);
+        table out = in; // in place
+        compute_brightness_contrast(c.brightness, c.contrast, out.data(), out.data(), 5);
         std::vector<float> f(in.begin(), in.end());
         compute_brightness_contrast_f(c.brightness, c.contrast, f.data(), 5);
         for (size_t i = 0; i < in.size(); ++i) {
@@ -169,7 +156,6 @@ TEST(sensor_levels, become_fractions_and_gains_of_full_scale)
         words fractions;
         channels gains;
     } const cases[] = {
-        {{1, 2, 3, 4}, 8, {257, 514, 771, 1028}, {255 / 254.0f, 255 / 253.0f, 255 / 252.0f, 255 / 251.0f}},
         {{0, 64, 1023, -1023}, 10, {0, 4100, 65536, 0}, {1, 1.0667362f, infinity, 0.5f}},
         {{256, 4095, 4096, -infinity}, 12, {4097, 65536, 65552, 0}, {4095 / 3839.0f, infinity, -4095, 0}},
         {{denormal, 1073741824, 8e14f, infinity}, 31, {0, 32768, most, most}, {1, 2, -2.684361e-06f, 0}},

@@ -94,7 +94,7 @@ QZ_ISP_API void apply_manual_hue_to_ccms(float *ccms, uint32_t count, uint32_t d
  * The sixteen sector matrices of multi-axis colour correction: a base set from tuning, the tables of the effects that
  * are switched on, the manual hue.
  *
- * @param macc    the `macc` slot of the selected tuning set
+ * @param macc    the `macc` slot of the selected tuning set; an empty one has no entries
  * @param mode    1 takes the base set whose key is nearest to @p target, any other value the first with key 0
  * @param target  value that keys are compared with
  * @param effects effect flag word, bits 0x1 to 0x10
@@ -112,7 +112,7 @@ QZ_ISP_API void compute_macc(const isp_table_slot *macc, uint32_t mode, uint32_t
  * @param curve     the channel's curve, gamma->point_count points, or null for the line from 0 to 1
  * @param effects   effect flag word, bits 0x40, 0x80 and 0x200
  * @param table     receives @p len entries; 4095 stands for the curve's last point. Left as it is when the curve has
- *                  fewer than two points
+ *                  fewer than two points; a table of one entry is not resampled, the effects alone act on it
  * @param len       entries; its low 16 bits are used
  * @param threshold position of the two-level effect's step as a fraction of the table
  * @param mkn       makernote that gets record 540 (one byte: 2, or 0 without a gamma record), or null
@@ -131,12 +131,15 @@ QZ_ISP_API void invert_gamma_f(float *table, uint16_t len);
  *
  * @param in  n entries
  * @param out receives n entries; may be @p in
- * @param n   entries, at most 65535; nothing is written when it is below 1
+ * @param n   entries; nothing is written when it is below 1
  */
 QZ_ISP_API void compute_brightness_contrast(int8_t brightness, int8_t contrast, const uint16_t *in, uint16_t *out,
                                             int32_t n);
 
-/** As compute_brightness_contrast(), on a table of floats in place, without rounding; does nothing for null. */
+/**
+ * As compute_brightness_contrast(), on a table of floats in place, without rounding. Does nothing for null, when both
+ * controls are 0, and to a table without an entry above 0.
+ */
 QZ_ISP_API void compute_brightness_contrast_f(int8_t brightness, int8_t contrast, float *table, int32_t n);
 
 /**
@@ -160,8 +163,8 @@ QZ_ISP_API void compute_ctc_config(const isp_record *record, float factor, uint1
  * Gains that bring a signal that lost a black level back to full scale: full / (full - offset).
  *
  * @param offsets four black levels in raw code values
- * @param bits    sensor bit depth, 1 to 31
- * @param gains   four gains
+ * @param bits    sensor bit depth, 1 to 31; others count modulo 32
+ * @param gains   four gains; at an offset of full scale infinite
  */
 QZ_ISP_API void compute_isp_lsc_saturation_compensation(const float *offsets, uint16_t bits, float *gains);
 
@@ -169,7 +172,7 @@ QZ_ISP_API void compute_isp_lsc_saturation_compensation(const float *offsets, ui
  * Black levels as fractions of full scale, 65536 = full scale, truncated; negative levels give 0.
  *
  * @param levels    four black levels in raw code values
- * @param bit_depth sensor bit depth, 1 to 31
+ * @param bit_depth sensor bit depth, 1 to 31; others count modulo 32
  * @return 0
  */
 QZ_ISP_API uint32_t compute_isp_black_level_compensation(const float *levels, uint16_t bit_depth, uint32_t *out_ch1,
