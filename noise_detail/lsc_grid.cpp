@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
 #include <iterator>
 
 #include "util/float_to_int.h"
@@ -20,11 +19,10 @@ float cell_size(const isp_sensor_description *sensor)
     return pixels >= 1000000 ? 32.0f : 16.0f;
 }
 
-bool has_gains(const isp_lsc_params &shading_input)
+bool has_gains(const isp_lsc_params &input)
 {
-    return shading_input.width != 0 && shading_input.height != 0 &&
-           std::find(std::begin(shading_input.grid), std::end(shading_input.grid), nullptr) ==
-               std::end(shading_input.grid);
+    const auto missing = [](const float *gains) { return gains == nullptr; };
+    return input.width != 0 && input.height != 0 && std::none_of(std::begin(input.grid), std::end(input.grid), missing);
 }
 
 bool has_size(const isp_frame_desc &frame)
