@@ -1,0 +1,67 @@
+// Step of a frame run: the lens shading block, whose tables follow the record's fixed part.
+#include "frame/aic_layout.h"
+#include "frame/frame_run.h"
+#include "noise_detail/lsc_grid.h"
+#include "qz_isp/color.h"
+#include "qz_isp/noise_detail.h"
+
+namespace qz {
+namespace {
+
+// False when the frame's grid is known not to fit the record; other bad inputs are compute_lsc()'s to refuse.
+bool tables_fit(const frame_run &run)
+{
+    lsc_grid grid = {};
+    return !derive_lsc_grid(run.sensor, run.input.lsc, run.input.frame, &grid) ||
+           grid.entries() <= AIC_LENS_SHADING_MAX_ENTRIES;
+}
+
+uint8_t compute_tables(const frame_run &run, aic_lens_shading &block)
+{
+    uint8_t enable = 1;
+    float factors[4] = {1.0f, 1.0f, 1.0f, 1.0f};
+    if (run.sensor != nullptr && run.input.colour != nullptr)
+        compute_isp_lsc_saturation_compensation(run.input.colour->black_level, run.sensor->bit_depth, factors);
+    auto next_free = reinterpret_cast<uintptr_t>(block.entries);
+    float cell_size = 0;
+    compute_lsc(run.sensor, run.input.lsc, run.input.frame, &enable, &block.scaled_width, &block.scaled_height,
+                &block.columns, &block.rows, &block.format, block.table, &next_free, factors, &cell_size);
+    return enable;
+}
+
+const void *first_table(const aic_record &record)
+{
+    const uint32_t word = record.lens_shading.payload.table[0];
+    if constexpr (sizeof(void *) == sizeof word)
+        return reinterpret_cast<const void *>(static_cast<uintptr_t>(word));
+    else
+        return reinterpret_cast<const uint8_t *>(&record) + word;
+}
+
+void add_records(const frame_run &run, const aic_lens_shading &block)
+{
+    run.mkn.add(QZ_MKN_U32, 527, &block, 6);
+    if (block.table[0] == 0)
+        return;
+    const void *table = first_table(run.record);
+    if (run.input.tuning_mode <= 1)
+        run.mkn.add(QZ_MKN_U16, 528 + 65536, table, block.columns * block.rows * 4);
+    run.mkn.add(QZ_MKN_U16, 528, table, block.columns * 2);
+}
+
+} // namespace
+
+uint32_t lens_shading_step(const frame_run &run)
+{
+    constexpr uint32_t fractional_bits = 8;
+    auto &block = run.record.lens_shading;
+    write_header(block);
+    block.payload.format = fractional_bits;
+    block.payload.enable = tables_fit(run) ? compute_tables(run, block.payload) : 0;
+    add_records(run, block.payload);
+    // The header and the tables; the words between them do not count.
+    block.size = block.payload.rows * block.payload.columns * 8 + 8;
+    return block.size;
+}
+
+} // namespace qz
