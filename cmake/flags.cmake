@@ -25,7 +25,7 @@ target_compile_options(
   INTERFACE -ffp-contract=off -fno-math-errno -fno-trapping-math -fstack-protector-strong
             $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti>
             $<$<AND:$<CONFIG:Release>,$<NOT:$<BOOL:${QZ_ISP_SANITIZED}>>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
-target_link_options(qz_isp_library_flags INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
+target_link_options(qz_isp_library_flags INTERFACE -Wl,--as-needed,-z,relro,-z,now,-z,noexecstack)
 if(NOT QZ_ISP_SANITIZED)
   target_link_options(qz_isp_library_flags INTERFACE -Wl,--no-undefined)
 endif()

@@ -1,5 +1,6 @@
 // Steps of a frame run: blocks that are copied, fixed, or interpolated from a long tuning record.
 #include <cstring>
+#include <iterator>
 
 #include "frame/aic_layout.h"
 #include "frame/defaults.h"

@@ -1,6 +1,8 @@
 // The walk over a tuning container's records.
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
+#include <iterator>
 
 #include "qz_isp/context.h"
 #include "qz_isp/error.h"

@@ -1,0 +1,116 @@
+// Builds tuning containers for tests.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <initializer_list>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#include "qz_isp/blob.h"
+
+namespace test {
+
+using bytes = std::vector<uint8_t>;
+
+template <typename T>
+void append(bytes &to, T value)
+{
+    static_assert(std::is_trivially_copyable_v<T>);
+    const auto *first = reinterpret_cast<const uint8_t *>(&value);
+    to.insert(to.end(), first, first + sizeof value);
+}
+
+// A record with its header; payload_size overrides nothing, the size is that of header and payload.
+inline bytes record(uint16_t id, const bytes &payload, uint8_t version = 100)
+{
+    bytes made;
+    append(made, static_cast<uint32_t>(payload.size() + 8));
+    append(made, version);
+    append(made, uint8_t{0});
+    append(made, id);
+    made.insert(made.end(), payload.begin(), payload.end());
+    return made;
+}
+
+// A record of the 320 family: row count, then rows of 16-bit values.
+inline bytes short_rows(uint16_t id, uint16_t rows, std::initializer_list<uint16_t> values, uint8_t version = 100)
+{
+    bytes payload;
+    append(payload, rows);
+    for (const uint16_t value : values)
+        append(payload, value);
+    return record(id, payload, version);
+}
+
+// A record of the 768 or 1536 family.
+inline bytes long_rows(uint16_t id, int32_t rows, const std::vector<int32_t> &values)
+{
+    bytes payload(8);
+    append(payload, rows);
+    for (const int32_t value : values)
+        append(payload, value);
+    return record(id, payload);
+}
+
+inline bytes header(std::string_view tag = "VUXB")
+{
+    bytes made(24);
+    std::memcpy(made.data(), tag.data(), 4);
+    return made;
+}
+
+inline bytes join(std::initializer_list<bytes> parts)
+{
+    bytes all;
+    for (const bytes &part : parts)
+        all.insert(all.end(), part.begin(), part.end());
+    return all;
+}
+
+// A set container record for a set index, tagged (with a header of its own) or not.
+inline bytes set_container(uint16_t set_index, const bytes &records, bool tagged = false)
+{
+    return record(static_cast<uint16_t>(64512 + set_index), tagged ? join({header(), records}) : records);
+}
+
+struct rule {
+    uint16_t kind;
+    uint16_t op;
+    uint16_t set_index;
+    double threshold;
+};
+
+inline bytes rules(std::initializer_list<rule> all)
+{
+    bytes payload(4);
+    append(payload, static_cast<uint32_t>(all.size()));
+    for (const rule &one : all) {
+        append(payload, one.kind);
+        append(payload, one.op);
+        append(payload, one.set_index);
+        append(payload, uint16_t{0});
+        append(payload, one.threshold);
+    }
+    return record(709, payload);
+}
+
+// A container whose bytes live in a block of exactly their size.
+class container {
+  public:
+    explicit container(std::initializer_list<bytes> records) : container(join(records), 0) {}
+    container(const bytes &records, int) : bytes_(join({header(), records})) { bytes_.shrink_to_fit(); }
+
+    const isp_blob *blob()
+    {
+        blob_ = {bytes_.data(), static_cast<uint32_t>(bytes_.size())};
+        return &blob_;
+    }
+
+  private:
+    bytes bytes_;
+    isp_blob blob_ = {};
+};
+
+} // namespace test
