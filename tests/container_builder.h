@@ -18,11 +18,11 @@ template <typename T>
 void append(bytes &to, T value)
 {
     static_assert(std::is_trivially_copyable_v<T>);
-    const auto *first = reinterpret_cast<const uint8_t *>(&value);
-    to.insert(to.end(), first, first + sizeof value);
+    to.resize(to.size() + sizeof value);
+    std::memcpy(to.data() + to.size() - sizeof value, &value, sizeof value);
 }
 
-// A record with its header; payload_size overrides nothing, the size is that of header and payload.
+// A record: its header, then the payload.
 inline bytes record(uint16_t id, const bytes &payload, uint8_t version = 100)
 {
     bytes made;

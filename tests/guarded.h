@@ -20,33 +20,15 @@ class guarded {
         first_ = reinterpret_cast<T *>(memory_ + pages) - count;
         std::fill_n(first_, count, value);
     }
-    ~guarded()
-    {
-        munmap(memory_, mapped_);
-    }
+    ~guarded() { munmap(memory_, mapped_); }
     guarded(const guarded &) = delete;
     guarded &operator=(const guarded &) = delete;
 
-    T *data() const
-    {
-        return first_;
-    }
-    size_t size() const
-    {
-        return count_;
-    }
-    T &operator[](size_t i) const
-    {
-        return first_[i];
-    }
-    T *begin() const
-    {
-        return first_;
-    }
-    T *end() const
-    {
-        return first_ + count_;
-    }
+    T *data() const { return first_; }
+    size_t size() const { return count_; }
+    T &operator[](size_t i) const { return first_[i]; }
+    T *begin() const { return first_; }
+    T *end() const { return first_ + count_; }
 
   private:
     size_t count_;

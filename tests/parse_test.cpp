@@ -46,7 +46,7 @@ TEST(parse, files_every_kind_in_its_slot_and_set)
                                                  {6, 36, 20},  {7, 38, 20},  {10, 4, 10}, {11, 46, 20}, {12, 44, 20},
                                                  {13, 40, 20}, {14, 42, 20}, {15, 22, 0}, {16, 27, 0}};
     const int set_of_group[] = {0, 2, 1};
-    for (const uint16_t base : {320, 768, 1536}) {
+    for (const uint16_t base : std::initializer_list<uint16_t>{320, 768, 1536}) {
         for (uint16_t group = 0; group < 3; ++group) {
             for (const auto &[offset, k, payload] : base == 320 ? short_kinds : long_kinds) {
                 const auto id = static_cast<uint16_t>(base + 64 * group + offset);
@@ -70,14 +70,15 @@ TEST(parse, files_every_kind_in_its_slot_and_set)
 
 TEST(parse, refuses_or_drops_what_has_no_slot)
 {
-    for (const uint16_t offset : {0, 19, 21, 63}) {
+    for (const uint16_t offset : std::initializer_list<uint16_t>{0, 19, 21, 63}) {
         container one({test::record(static_cast<uint16_t>(320 + offset), bytes(8))});
         const parsed result(one.blob());
         EXPECT_EQ(result.status, ISP_INVALID_DATA) << offset;
         EXPECT_EQ(result.context.set_count, 0);
         EXPECT_EQ(result.context.tuning_sets[0], nullptr);
     }
-    for (const uint16_t id : {324, 337, 768, 776, 777, 785, 831, 1540, 1550, 0, 319, 512, 960, 1728, 64512}) {
+    for (const uint16_t id : std::initializer_list<uint16_t>{324, 337, 768, 776, 777, 785, 831, 1540, 1550, 0, 319, 512,
+                                                             960, 1728, 64512}) {
         container one({test::record(id, bytes(8))});
         const parsed result(one.blob());
         EXPECT_EQ(result.status, ISP_SUCCESS) << id;
@@ -123,7 +124,7 @@ TEST(parse, fringe_control_takes_what_its_version_has_and_its_bytes_hold)
         bytes payload;
         test::append(payload, uint16_t{1});
         payload.resize(20);
-        for (const uint16_t value : {7, 1, 2, 3, 4})
+        for (const uint16_t value : std::initializer_list<uint16_t>{7, 1, 2, 3, 4})
             test::append(payload, value);
         payload.resize(20 + behind);
         container one({test::record(330, payload, version)});
@@ -131,8 +132,9 @@ TEST(parse, fringe_control_takes_what_its_version_has_and_its_bytes_hold)
         const isp_fringe_control_slot &fringe = result.set(0).fringe_control;
         EXPECT_EQ(fringe.count2, count2) << int{version} << ' ' << behind;
         EXPECT_EQ(fringe.extra != nullptr, extra) << int{version} << ' ' << behind;
-        if (extra)
+        if (extra) {
             EXPECT_EQ(fringe.extra, reinterpret_cast<uint8_t *>(fringe.record) + 30);
+        }
     }
 }
 
@@ -140,17 +142,17 @@ TEST(parse, rec_13_is_held_in_at_least_twelve_bytes_and_old_versions_lose_their_
 {
     container shorter({test::record(333, {1, 2}, 99), test::record(1536 + 128 + 15, {1, 2, 3, 4}, 100)});
     const parsed result(shorter.blob());
-    const auto *bytes = reinterpret_cast<const uint8_t *>(result.set(0).rec_13);
-    EXPECT_EQ(std::vector<uint8_t>(bytes + 8, bytes + 12), (std::vector<uint8_t>{1, 2, 0, 0}));
-    bytes = reinterpret_cast<const uint8_t *>(result.set(1).rec_13);
-    EXPECT_EQ(std::vector<uint8_t>(bytes + 8, bytes + 12), (std::vector<uint8_t>{1, 2, 0, 0}));
+    const auto *held = reinterpret_cast<const uint8_t *>(result.set(0).rec_13);
+    EXPECT_EQ(std::vector<uint8_t>(held + 8, held + 12), (std::vector<uint8_t>{1, 2, 0, 0}));
+    held = reinterpret_cast<const uint8_t *>(result.set(1).rec_13);
+    EXPECT_EQ(std::vector<uint8_t>(held + 8, held + 12), (std::vector<uint8_t>{1, 2, 0, 0}));
 }
 
 TEST(parse, row_counts_are_limited_to_the_bytes_and_short_records_read_as_zeros)
 {
     container one({test::short_rows(326, 9, {1, 2, 3, 4, 5, 6, 7}),
                    test::long_rows(768 + 13, 3, std::vector<int32_t>(13)), test::long_rows(768 + 11, -5, {}),
-                   test::record(323, {}), test::record(768 + 3, {})});
+                   test::record(323, {}), test::record(768 + 3, {}), test::record(1, bytes(1))});
     testing::internal::CaptureStderr();
     const parsed result(one.blob());
     const std::string log = testing::internal::GetCapturedStderr();

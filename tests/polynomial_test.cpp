@@ -110,10 +110,7 @@ struct shading {
         }
     }
 
-    size_t samples() const
-    {
-        return size_t{in_w} * in_h;
-    }
+    size_t samples() const { return size_t{in_w} * in_h; }
 
     uint32_t run(uint16_t n = 15)
     {

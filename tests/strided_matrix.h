@@ -34,10 +34,7 @@ class strided_matrix {
         bytes_ = std::make_unique<guarded<unsigned char>>(static_cast<size_t>(last) + sizeof(float), filler);
     }
 
-    unsigned char *data()
-    {
-        return bytes_->data() + first_;
-    }
+    unsigned char *data() { return bytes_->data() + first_; }
 
     float at(int row, int column) const
     {
