@@ -13,10 +13,7 @@ namespace bench {
 struct sizes {
     int src_width, src_height, dst_width, dst_height;
 
-    bool doubling() const
-    {
-        return dst_width == 2 * src_width && dst_height == 2 * src_height;
-    }
+    bool doubling() const { return dst_width == 2 * src_width && dst_height == 2 * src_height; }
 
     std::string name() const
     {

@@ -24,7 +24,9 @@ int main(int argc, char **argv)
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;
+    bench::register_frame();
     bench::register_nearest();
+    bench::register_statistics();
     bench::register_table_resize();
     bench::register_matrix();
     bench::register_checksum();

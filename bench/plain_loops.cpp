@@ -17,4 +17,19 @@ void plain_block_maxima(const int32_t *src, int src_width, int32_t *dst, int dst
         }
 }
 
+void plain_statistics(const isp_stats &stats, isp_rgbs_cell *rgbs, uint32_t *filter_1, uint32_t *filter_2)
+{
+    const uint32_t samples_shift = 2 * stats.cell_size_exponent;
+    const uint32_t shift = stats.bit_depth + samples_shift - 8;
+    const int32_t half = 1 << (shift - 1);
+    for (uint32_t i = 0; i < stats.width * stats.height; ++i) {
+        const isp_stats_cell &cell = stats.cells[i];
+        for (int k = 0; k < 4; ++k)
+            rgbs[i].average[k] = static_cast<uint8_t>(std::min((cell.channel_sum[k] + half) >> shift, 255));
+        rgbs[i].saturation = static_cast<uint8_t>((((1 << samples_shift) - cell.count) * 255) >> samples_shift);
+        filter_1[i] = cell.filter_1_response;
+        filter_2[i] = cell.filter_2_response;
+    }
+}
+
 } // namespace bench

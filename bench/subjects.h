@@ -5,7 +5,9 @@ namespace bench {
 
 void register_checksum();
 void register_matrix();
+void register_frame();
 void register_nearest();
+void register_statistics();
 void register_table_resize();
 
 } // namespace bench

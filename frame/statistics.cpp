@@ -2,6 +2,7 @@
 #include "qz_isp/statistics.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "qz_isp/context.h"
 #include "qz_isp/error.h"
@@ -30,30 +31,52 @@ bool scale_of(const isp_stats &stats, cell_scale &scale)
     return true;
 }
 
-inline uint8_t average(int32_t sum, cell_scale scale)
+// Cells are converted a block at a time, each quantity in a loop of its own, so that every loop vectorises.
+constexpr size_t block_cells = 64;
+
+// Rounded half up; sums wrap as 32-bit numbers, and the low 8 bits count.
+inline void average_sums(const isp_stats_cell *cells, size_t count, uint32_t shift, uint8_t (*averages)[4])
 {
-    const uint32_t half = 1u << (scale.average_shift - 1);
-    const int32_t rounded = static_cast<int32_t>(static_cast<uint32_t>(sum) + half) >> scale.average_shift;
-    return static_cast<uint8_t>(std::min(rounded, 255));
+    const uint32_t half = 1u << (shift - 1);
+    for (size_t i = 0; i < count; ++i)
+        for (size_t k = 0; k < 4; ++k) {
+            const auto sum = static_cast<int32_t>(static_cast<uint32_t>(cells[i].channel_sum[k]) + half);
+            averages[i][k] = static_cast<uint8_t>(std::min(sum >> shift, 255));
+        }
 }
 
-inline uint8_t saturation(int32_t count, cell_scale scale)
+inline void saturation_of_counts(const isp_stats_cell *cells, size_t count, uint32_t shift, uint8_t *saturations)
 {
-    const uint32_t unsaturated = (1u << scale.samples_shift) - static_cast<uint32_t>(count);
-    return static_cast<uint8_t>(static_cast<int32_t>(unsaturated * 255u) >> scale.samples_shift);
+    const uint32_t samples = 1u << shift;
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t unsaturated = samples - static_cast<uint32_t>(cells[i].count);
+        saturations[i] = static_cast<uint8_t>(static_cast<int32_t>(unsaturated * 255u) >> shift);
+    }
+}
+
+inline void convert_block(const isp_stats_cell *cells, size_t count, cell_scale scale, isp_rgbs_cell *rgbs)
+{
+    alignas(64) uint8_t averages[block_cells][4];
+    alignas(64) uint8_t saturations[block_cells];
+    average_sums(cells, count, scale.average_shift, averages);
+    saturation_of_counts(cells, count, scale.samples_shift, saturations);
+    for (size_t i = 0; i < count; ++i) {
+        std::memcpy(rgbs[i].average, averages[i], sizeof rgbs[i].average);
+        rgbs[i].saturation = saturations[i];
+    }
 }
 
 QZ_MULTIVERSION
 void convert(const isp_stats_cell *cells, size_t count, cell_scale scale, isp_rgbs_cell *rgbs, uint32_t *filter_1,
              uint32_t *filter_2)
 {
-    for (size_t i = 0; i < count; ++i) {
-        const isp_stats_cell &cell = cells[i];
-        for (size_t k = 0; k < 4; ++k)
-            rgbs[i].average[k] = average(cell.channel_sum[k], scale);
-        rgbs[i].saturation = saturation(cell.count, scale);
-        filter_1[i] = cell.filter_1_response;
-        filter_2[i] = cell.filter_2_response;
+    for (size_t done = 0; done < count; done += block_cells) {
+        const size_t block = std::min(block_cells, count - done);
+        convert_block(cells + done, block, scale, rgbs + done);
+        for (size_t i = done; i < done + block; ++i) {
+            filter_1[i] = cells[i].filter_1_response;
+            filter_2[i] = cells[i].filter_2_response;
+        }
     }
 }
 
