@@ -1,8 +1,9 @@
-# Every tests/*_fault_test.cpp injects allocation faults; every other tests/*_test.cpp runs against the shared library.
+# Every tests/*_test.cpp is a suite: against the shared library, or with its objects where it injects allocation faults.
 file(GLOB suites CONFIGURE_DEPENDS RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} *_test.cpp)
 foreach(source IN LISTS suites)
   string(REPLACE .cpp "" suite ${source})
-  if(suite MATCHES _fault_test$)
+  file(STRINGS ${source} injects REGEX "allocation_faults.h")
+  if(injects)
     qz_isp_fault_test(${suite})
   elseif(NOT suite STREQUAL tool_test)
     qz_isp_test(${suite})
