@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 
 #include "qz_isp/color.h"
 #include "util/float_to_int.h"
@@ -67,9 +68,15 @@ void compute_brightness_contrast(int8_t brightness, int8_t contrast, const uint1
         return;
     }
 
+    // Where a control is 0 its curve rounds back to every entry, so that it need not be computed. A pass for each curve
+    // is faster than both in one.
     const tone_curves curves(brightness, contrast, max, static_cast<float>(max >> 1));
-    for (ptrdiff_t i = 0; i < n; ++i)
-        out[i] = rounded(curves.contrasted(rounded(curves.brightened(in[i]))));
+    if (brightness != 0)
+        std::transform(in, in + n, out, [curves](uint16_t x) { return rounded(curves.brightened(x)); });
+    else
+        std::memmove(out, in, static_cast<size_t>(n) * sizeof *out);
+    if (contrast != 0)
+        std::transform(out, out + n, out, [curves](uint16_t y) { return rounded(curves.contrasted(y)); });
 }
 
 void compute_brightness_contrast_f(int8_t brightness, int8_t contrast, float *table, int32_t n)
