@@ -28,7 +28,8 @@ int32_t *interpolate(const qz::row_pair<Row> &pair, T (Row::*columns)[count], in
     return out;
 }
 
-// Towards 65535 for a positive sharpness, which reaches it at 127; towards 0 for a negative one, at -128.
+// Towards 65535 for a positive sharpness, which reaches it at 127; towards 0 for a negative one, at -128. A
+// value has at most 18 bits and its sign, even one whose interpolation wrapped, so the products fit.
 int32_t moved(int32_t value, int8_t sharpness)
 {
     constexpr int32_t top = 65535;

@@ -11,7 +11,7 @@ namespace {
 
 constexpr size_t channel_count = 4;
 
-// What a field of 32 bits says about table c: its address if that fits, else its place in the record.
+// What fits a field of 32 bits: a table's address, or its offset in the record where addresses are wider.
 uint32_t table_address(uintptr_t address, size_t offset)
 {
     if constexpr (sizeof(void *) == sizeof(uint32_t))

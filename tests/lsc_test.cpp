@@ -72,9 +72,8 @@ TEST(lsc, derives_the_grid_from_frame_and_sensor)
         const guarded<uint16_t> tables(size_t{4} * grid[0] * grid[1]);
         EXPECT_EQ(s.run(tables.data()), 0u);
         EXPECT_EQ(s.enable, 1);
-        EXPECT_EQ((words{s.block.columns, s.block.rows, s.block.scaled_width, s.block.scaled_height,
-                         static_cast<uint32_t>(s.cell)}),
-                  grid);
+        const auto cell = static_cast<uint32_t>(s.cell);
+        EXPECT_EQ((words{s.block.columns, s.block.rows, s.block.scaled_width, s.block.scaled_height, cell}), grid);
         EXPECT_EQ(s.next_free, reinterpret_cast<uintptr_t>(tables.end()));
         const size_t first = sizeof(void *) == 4 ? reinterpret_cast<uintptr_t>(tables.data()) : 4976;
         for (size_t t = 0; t < 4; ++t)
@@ -91,23 +90,13 @@ TEST(lsc, rejects_invalid_input_and_writes_nothing_but_the_flag)
         [](scene &s) { s.input.width = 0; },
         [](scene &s) { s.input.height = 0; },
         [](scene &s) { s.input.grid[3] = nullptr; },
+        [](scene &s) { s.frame.size.width = 0; },
+        [](scene &s) { s.frame.horizontal_denominator = 0; },
+        [](scene &s) { s.frame.vertical_numerator = 0; },
+        [](scene &s) { s.frame.vertical_denominator = 0; },
+        [](scene &s) { s.frame.size.height = 32768, s.frame.vertical_numerator = 2; }, // scaled to 65536
         [](scene &s) {
-            s.frame = {{{}, 0, 480}, 1, 1, 1, 1};
-        },
-        [](scene &s) {
-            s.frame = {{{}, 640, 480}, 1, 1, 0, 1};
-        },
-        [](scene &s) {
-            s.frame = {{{}, 640, 480}, 1, 0, 1, 1};
-        },
-        [](scene &s) {
-            s.frame = {{{}, 640, 480}, 1, 1, 1, 0};
-        },
-        [](scene &s) {
-            s.frame = {{{}, 32768, 480}, 2, 1, 1, 1};
-        }, // scaled to 65536
-        [](scene &s) {
-            s.frame = {{{}, 8129, 8192}, 1, 1, 1, 1};
+            s.frame.size = {{}, 8129, 8192};
         }, // 256 x 257 entries
     };
     for (const change &apply : changes) {

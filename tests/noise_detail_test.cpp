@@ -107,6 +107,14 @@ TEST(gain_rows, missing_leave_every_field)
     }
 }
 
+TEST(defect_pixel_correction, writes_parameter_1_first)
+{
+    uint32_t both = 0;
+    const record table(1, {256, 100, 50});
+    compute_defect_pixel_correction(256, &table.slot, &both, &both);
+    EXPECT_EQ(both, 100u);
+}
+
 TEST(strength, scales_and_limits_each_block_its_own_way)
 {
     struct {
@@ -150,9 +158,9 @@ TEST(fringe_control, shares_one_shift)
         {0, 0x1FF, {0, 4, 8, 9}, {1, 20000, 4, 8, 12, 16, 20, 24, -9}, {1, 0, 1, 2, 2, 5000, 1, 2, 3, 4, 5, 0, -3}},
         {127, 1, {9, 9, 9, 9}, {1, 0, 1, 9, 9, 80, 88, 0, 0}, {4, 1, 1, 1, 1, 8191, 8191, 8191, 8191, 10, 11, 0, 0}},
         {-128, 1, {9, 9, 9, 9}, {1, 0, 1, 9, 65535, 80, 88, 0, 0}, {1, 9, 9, 9, 9, 0, 0, 0, 0, 80, 88, 0, 0}},
-        // 1000 + 64535 / 127 and 65535 / 127, then 1000 - 1000 / 128 and 64 - 0.5
+        // 1000 + 64535 / 127 and 65535 / 127, then halves
         {1, 1, {9, 9, 9, 9}, {1, 1000, 0, 0, 0, 5, 0, 0, 0}, {1, 9, 9, 9, 9, 1508, 516, 516, 516, 5, 0, 0, 0}},
-        {-1, 1, {9, 9, 9, 9}, {1, 1000, 64, 0, 0, 5, 0, 0, 0}, {1, 9, 9, 9, 9, 992, 63, 0, 0, 5, 0, 0, 0}},
+        {-64, 1, {9, 9, 9, 9}, {1, 1001, 63, 0, 0, 5, 0, 0, 0}, {1, 9, 9, 9, 9, 500, 31, 0, 0, 5, 0, 0, 0}},
     };
     for (const auto &[sharpness, base, extra, row, expected] : cases)
         EXPECT_EQ(fringe(320, record(1, row).slot, base, extra.empty() ? nullptr : extra.data(), sharpness), expected);

@@ -88,8 +88,8 @@ QZ_ISP_API void compute_fringe_control(uint16_t gain, const isp_fringe_control_s
  * @param next_free         address where table storage begins; left past the fourth table
  * @param channel_factors   four factors, or null for 1.0
  * @param out_cell_size     receives 16, 32 or 64
- * @return 0; 32 with only the enable flag written when an input is missing, a dimension, scaling denominator or scaled
- *         size is 0, or a table would have more than 65535 entries
+ * @return 0; 32 with only the enable flag written when an input or a grid is missing, a dimension, denominator or
+ * scaled size is 0, or a table would have more than 65535 entries
  */
 QZ_ISP_API uint32_t compute_lsc(const isp_sensor_description *sensor, const isp_lsc_params *shading_input,
                                 const isp_frame_desc *frame, uint8_t *enable_flag, uint32_t *out_scaled_width,
