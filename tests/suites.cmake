@@ -1,12 +1,15 @@
-# Every tests/*_test.cpp is a suite: against the shared library, or with its objects where it injects allocation faults.
+# Every tests/*_test.cpp is a suite: against the shared library, with its objects where it injects allocation faults, or
+# with the parts of the program where its name starts with tool_.
 file(GLOB suites CONFIGURE_DEPENDS RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} *_test.cpp)
 foreach(source IN LISTS suites)
   string(REPLACE .cpp "" suite ${source})
   file(STRINGS ${source} injects REGEX "allocation_faults.h")
   if(injects)
     qz_isp_fault_test(${suite})
-  elseif(NOT suite STREQUAL tool_test)
+  elseif(NOT suite MATCHES "^tool_")
     qz_isp_test(${suite})
+  elseif(QZ_ISP_TOOLS)
+    qz_isp_tool_test(${suite})
   endif()
 endforeach()
 

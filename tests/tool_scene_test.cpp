@@ -1,0 +1,139 @@
+// Scene files: defaults, inheritance of frames, and errors.
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "error.h"
+#include "sample.h"
+#include "scene.h"
+
+using namespace qz::tool;
+
+namespace {
+
+std::string error_of(const std::string &text)
+{
+    try {
+        read_scene("s.json", text);
+    } catch (const file_error &error) {
+        return error.what();
+    }
+    return "";
+}
+
+TEST(scene, a_frame_without_inputs_has_none)
+{
+    const scene read = read_scene("s.json", R"({"frames": [{}]})");
+    ASSERT_EQ(read.frames.size(), 1u);
+    const frame_inputs &frame = read.frames[0];
+    EXPECT_FALSE(frame.frame || frame.exposure || frame.scene || frame.gamma || frame.colour || frame.lsc ||
+                 frame.aux_size || frame.selection_list);
+    EXPECT_EQ(frame.controls.nr_mode, 0u);
+    EXPECT_FALSE(read.cmc);
+}
+
+TEST(scene, a_sub_record_that_is_given_corrects_nothing_by_itself)
+{
+    const scene read =
+        read_scene("s.json", R"({"frames": [{"frame": {"size": {"width": 640}}, "exposure": {"digital_gain": 2.5},
+                                "colour": {"saturation": 1.5}, "selection_list": [7]}]})");
+    const frame_inputs &frame = read.frames[0];
+    EXPECT_EQ(frame.frame->size.width, 640);
+    EXPECT_EQ(frame.frame->size.height, 0);
+    EXPECT_EQ(frame.frame->vertical_denominator, 1);
+    EXPECT_EQ(frame.exposure->analog_gain, 1.0f);
+    EXPECT_EQ(frame.exposure->digital_gain, 2.5f);
+    EXPECT_EQ(frame.colour->ccm[4], 1.0f);
+    EXPECT_EQ(frame.colour->ccm[5], 0.0f);
+    EXPECT_EQ(frame.colour->white_balance_gain[3], 1.0f);
+    EXPECT_EQ(frame.colour->saturation, 1.5f);
+    EXPECT_EQ(*frame.selection_list, (std::vector<uint32_t>{7, 0}));
+}
+
+TEST(scene, frames_inherit_what_they_do_not_change)
+{
+    const scene read = read_scene("s.json", R"({"frames": [
+        {"name": "a", "sharpness": 5, "hue": -3, "effects": ["negative", "macc_1"],
+         "exposure": {"analog_gain": 2, "digital_gain": 3}},
+        {"exposure": {"analog_gain": 4}, "effects": 1024},
+        {"exposure": null},
+        {"inherit": false, "hue": 1}]})");
+    ASSERT_EQ(read.frames.size(), 4u);
+    EXPECT_EQ(read.frames[0].controls.effects, 0x81u);
+    EXPECT_EQ(read.frames[1].name, "");
+    EXPECT_EQ(read.frames[1].controls.sharpness, 5);
+    EXPECT_EQ(read.frames[1].controls.effects, 0x400u);
+    EXPECT_EQ(read.frames[1].exposure->analog_gain, 4.0f);
+    EXPECT_EQ(read.frames[1].exposure->digital_gain, 3.0f);
+    EXPECT_FALSE(read.frames[2].exposure);
+    EXPECT_EQ(read.frames[2].controls.hue, -3);
+    EXPECT_EQ(read.frames[3].controls.sharpness, 0);
+    EXPECT_EQ(read.frames[3].controls.hue, 1);
+}
+
+TEST(scene, grids_and_curves_keep_their_order)
+{
+    const scene read = read_scene("s.json", R"({"frames": [{
+        "gamma": {"curve": [null, [0, 0.25, 1], null]},
+        "lsc": {"enable": 1, "width": 2, "height": 3, "grid": [[[1, 2], [3, 4], [5, 6]], null, null, null]}}]})");
+    const frame_inputs &frame = read.frames[0];
+    EXPECT_EQ(frame.gamma->point_count, 3u);
+    EXPECT_FALSE(frame.gamma->curves[0]);
+    EXPECT_EQ(*frame.gamma->curves[1], (std::vector<float>{0.0f, 0.25f, 1.0f}));
+    EXPECT_EQ(*frame.lsc->grids[0], (std::vector<float>{1, 2, 3, 4, 5, 6}));
+    EXPECT_FALSE(frame.lsc->grids[1]);
+}
+
+TEST(scene, the_sample_is_what_its_blocks_need)
+{
+    const scene read = read_scene("sample", sample_scene);
+    EXPECT_EQ(read.cmc->sensor_description->bit_depth, 10);
+    bool effect = false;
+    for (const frame_inputs &frame : read.frames) {
+        for (int row = 0; row < 3; ++row)
+            EXPECT_NEAR(frame.colour->ccm[3 * row] + frame.colour->ccm[3 * row + 1] + frame.colour->ccm[3 * row + 2],
+                        1.0f, 1e-6f);
+        EXPECT_GE(frame.gamma->point_count, 20u);
+        for (const curve &grid : frame.lsc->grids) {
+            ASSERT_EQ(grid->size(), size_t{17} * 13);
+            EXPECT_NEAR(grid->front(), 2.5f, 0.3f);
+            EXPECT_NEAR(grid->at(size_t{6} * 17 + 8), 1.0f, 0.01f);
+        }
+        effect = effect || frame.controls.effects != 0;
+    }
+    EXPECT_TRUE(effect);
+}
+
+TEST(scene, errors_name_the_field_what_was_found_and_what_was_expected)
+{
+    const std::pair<const char *, const char *> cases[] = {
+        {"[]", "s.json: found a list of 0, expected an object"},
+        {"{}", "s.json: found no \"frames\", expected it given"},
+        {R"({"frames": []})", "s.json: frames: found a list of 0, expected at least one frame"},
+        {"{\"frames\": [\n {\"hue\": }]}", "s.json: line 2, column 10: syntax error while parsing value - unexpected "
+                                           "'}'; expected '[', '{', or a literal"},
+        {R"({"frames": [{"hue": 1, "hue": 2}]})",
+         "s.json: found the name \"hue\" twice in one object, expected it once"},
+        {R"({"frames": [{"hue": 128}]})", "s.json: frames[0].hue: found 128, expected an integer from -128 to 127"},
+        {R"({"frames": [{}, {"nr_mode": "on"}]})",
+         "s.json: frames[1].nr_mode: found \"on\", expected an integer from 0 to 4294967295"},
+        {R"({"frames": [{"exposure": {"gain": 2}}]})",
+         "s.json: frames[0].exposure: found the name \"gain\", expected one of unused, analog_gain, digital_gain"},
+        {R"({"frames": [{"colour": {"ccm": [1, 2]}}]})",
+         "s.json: frames[0].colour.ccm: found a list of 2, expected a list of 9"},
+        {R"({"frames": [{"exposure": {"analog_gain": 1e39}}]})",
+         "s.json: frames[0].exposure.analog_gain: found 1e+39, expected a number from "},
+        {R"({"frames": [{"gamma": {"curve": [[0, 1], [0], null]}}]})",
+         "s.json: frames[0].gamma.curve[1]: found 1 points, expected 2 as in the curve before"},
+        {R"({"frames": [{"lsc": {"enable": 1, "width": 2, "height": 1, "grid": [[[1]], null, null, null]}}]})",
+         "s.json: frames[0].lsc.grid[0][0]: found a list of 1, expected a list of 2"},
+        {R"({"cmc": {"sensor_description": {"depth": 10}}, "frames": [{}]})",
+         "s.json: cmc.sensor_description: found the name \"depth\", expected one of "},
+        {R"({"frames": [{"effects": ["sepia"]}]})",
+         "s.json: frames[0].effects[0]: found \"sepia\", expected one of macc_1"},
+    };
+    for (const auto &[text, expected] : cases)
+        EXPECT_EQ(error_of(text).substr(0, std::string_view(expected).size()), expected) << text;
+}
+
+} // namespace

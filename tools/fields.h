@@ -1,0 +1,73 @@
+// Descriptions of structs: every field by name, element type, count and place. One description serves the readable
+// form, JSON in both directions and everything that compares or varies fields.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#include "json.h"
+
+namespace qz::tool {
+
+enum class element : uint8_t { u8, i8, u16, i16, u32, i32, f32 };
+
+struct field {
+    std::string_view name;
+    element type;
+    uint32_t count;
+    uint32_t columns; // values in a row when it is printed
+    uint32_t offset;  // bytes from the start of the struct
+    bool is_list;     // a list in JSON even when it has one element
+};
+
+template <typename T>
+consteval element element_of()
+{
+    if constexpr (std::is_floating_point_v<T>)
+        return element::f32;
+    else if constexpr (sizeof(T) == 1)
+        return std::is_signed_v<T> ? element::i8 : element::u8;
+    else if constexpr (sizeof(T) == 2)
+        return std::is_signed_v<T> ? element::i16 : element::u16;
+    else
+        return std::is_signed_v<T> ? element::i32 : element::u32;
+}
+
+template <typename Member>
+consteval field make_field(std::string_view name, size_t offset, uint32_t columns)
+{
+    using scalar = std::remove_all_extents_t<Member>;
+    return {name,    element_of<scalar>(),          static_cast<uint32_t>(sizeof(Member) / sizeof(scalar)),
+            columns, static_cast<uint32_t>(offset), std::is_array_v<Member>};
+}
+
+consteval field with_type(field described, element type)
+{
+    described.type = type;
+    return described;
+}
+
+// The field of a struct, 16 values a row.
+#define QZ_FIELD(type, member) make_field<decltype(type::member)>(#member, offsetof(type, member), 16)
+// The same with a number of values a row of its own.
+#define QZ_FIELD_ROWS(type, member, columns)                                                                           \
+    make_field<decltype(type::member)>(#member, offsetof(type, member), columns)
+
+size_t element_size(element type);
+
+// Unsigned 32-bit elements come out positive, signed ones negative where they are.
+int64_t integer_at(const field &described, const void *base, size_t index);
+double number_at(const field &described, const void *base, size_t index);
+
+// Reads the members of an object into a struct; those that are absent stay as they are. Names outside the description
+// are the caller's to refuse.
+void read_fields(const json_node &object, std::span<const field> fields, void *base);
+void write_fields(json &object, std::span<const field> fields, const void *base);
+
+std::vector<std::string_view> field_names(std::span<const field> fields);
+
+} // namespace qz::tool

@@ -1,0 +1,66 @@
+#include "files.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "error.h"
+
+namespace qz::tool {
+
+namespace {
+
+struct file_closer {
+    void operator()(FILE *file) const
+    {
+        if (file != stdin && file != stdout)
+            static_cast<void>(std::fclose(file));
+    }
+};
+using file_handle = std::unique_ptr<FILE, file_closer>;
+
+} // namespace
+
+std::string input_name(const std::string &file)
+{
+    return file == "-" ? "standard input" : file;
+}
+
+byte_buffer read_file(const std::string &file)
+{
+    const file_handle handle(file == "-" ? stdin : std::fopen(file.c_str(), "rb"));
+    if (!handle)
+        throw file_error(file, std::string("cannot be opened: ") + std::strerror(errno));
+
+    byte_buffer bytes;
+    constexpr size_t chunk = 65536;
+    size_t count = chunk;
+    while (count == chunk) {
+        const size_t size = bytes.size();
+        bytes.resize(size + chunk);
+        count = std::fread(bytes.data() + size, 1, chunk, handle.get());
+        bytes.resize(size + count);
+    }
+    if (std::ferror(handle.get()) != 0)
+        throw file_error(input_name(file), std::string("cannot be read: ") + std::strerror(errno));
+    return bytes;
+}
+
+void write_file(const std::string &file, byte_view bytes)
+{
+    const std::string name = file == "-" ? "standard output" : file;
+    const file_handle handle(file == "-" ? stdout : std::fopen(file.c_str(), "wb"));
+    if (!handle)
+        throw file_error(name, std::string("cannot be opened: ") + std::strerror(errno));
+    const size_t count = std::fwrite(bytes.data(), 1, bytes.size(), handle.get());
+    if (count != bytes.size() || std::fflush(handle.get()) != 0)
+        throw file_error(name, std::string("cannot be written: ") + std::strerror(errno));
+}
+
+void write_text(const std::string &file, std::string_view text)
+{
+    write_file(file, {reinterpret_cast<const uint8_t *>(text.data()), text.size()});
+}
+
+} // namespace qz::tool

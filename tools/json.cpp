@@ -1,0 +1,187 @@
+#include "json.h"
+
+#include <algorithm>
+#include <charconv>
+#include <set>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "error.h"
+
+namespace qz::tool {
+
+namespace {
+
+std::string line_and_column(std::string_view text, size_t offset)
+{
+    const std::string_view before = text.substr(0, std::min(offset, text.size()));
+    const size_t line = 1 + static_cast<size_t>(std::ranges::count(before, '\n'));
+    const size_t start = before.rfind('\n') + 1; // npos + 1 is 0
+    return fmt::format("line {}, column {}", line, before.size() - start + 1);
+}
+
+// The last part of the parser's message, which names what it met and what it needed.
+std::string syntax_message(const std::string &message)
+{
+    const size_t start = message.find("syntax error");
+    return start == std::string::npos ? message : message.substr(start);
+}
+
+std::string shortened(std::string text)
+{
+    constexpr size_t limit = 40;
+    return text.size() > limit ? text.substr(0, limit) + "..." : text;
+}
+
+std::string description(const json &value)
+{
+    if (value.is_object())
+        return "an object";
+    if (value.is_array())
+        return fmt::format("a list of {}", value.size());
+    return shortened(value.dump(-1, ' ', false, json::error_handler_t::replace));
+}
+
+} // namespace
+
+json parse_json(const std::string &file, std::string_view text)
+{
+    std::vector<std::set<std::string>> names;
+    const auto callback = [&](int, json::parse_event_t event, json &parsed) {
+        if (event == json::parse_event_t::object_start)
+            names.emplace_back();
+        else if (event == json::parse_event_t::object_end)
+            names.pop_back();
+        else if (event == json::parse_event_t::key && !names.back().insert(parsed.get<std::string>()).second)
+            throw file_error(file, "", fmt::format("the name {} twice in one object", parsed.dump()), "it once");
+        return true;
+    };
+    try {
+        return json::parse(text, callback);
+    } catch (const json::parse_error &error) {
+        const size_t position = error.byte > 0 ? error.byte - 1 : 0;
+        throw file_error(file, fmt::format("{}: {}", line_and_column(text, position), syntax_message(error.what())));
+    } catch (const json::exception &error) {
+        throw file_error(file, error.what());
+    }
+}
+
+json_node::json_node(const json &document, std::string file, std::string path)
+    : value_(&document), file_(std::move(file)), path_(std::move(path))
+{}
+
+void json_node::fail(std::string_view found, std::string_view expected) const
+{
+    throw file_error(file_, path_, found, expected);
+}
+
+void json_node::fail_type(std::string_view expected) const
+{
+    fail(description(*value_), expected);
+}
+
+void json_node::expect_names(const std::vector<std::string_view> &names) const
+{
+    if (!value_->is_object())
+        fail_type("an object");
+    for (const auto &member : value_->items()) {
+        if (member.key() != "comment" && std::ranges::find(names, member.key()) == names.end())
+            fail(fmt::format("the name \"{}\"", member.key()), fmt::format("one of {}", fmt::join(names, ", ")));
+    }
+}
+
+std::optional<json_node> json_node::find(std::string_view name) const
+{
+    if (!value_->is_object())
+        fail_type("an object");
+    const auto found = value_->find(std::string(name));
+    if (found == value_->end() || found->is_null())
+        return std::nullopt;
+    return json_node(*found, file_, path_.empty() ? std::string(name) : fmt::format("{}.{}", path_, name));
+}
+
+json_node json_node::at(std::string_view name) const
+{
+    std::optional<json_node> found = find(name);
+    if (!found)
+        fail(fmt::format("no \"{}\"", name), "it given");
+    return *std::move(found);
+}
+
+std::vector<json_node> json_node::items() const
+{
+    if (!value_->is_array())
+        fail_type("a list");
+    std::vector<json_node> nodes;
+    nodes.reserve(value_->size());
+    for (const json &item : *value_)
+        nodes.emplace_back(item, file_, fmt::format("{}[{}]", path_, nodes.size()));
+    return nodes;
+}
+
+std::vector<json_node> json_node::items(size_t count) const
+{
+    if (!value_->is_array() || value_->size() != count)
+        fail_type(fmt::format("a list of {}", count));
+    return items();
+}
+
+int64_t json_node::integer(int64_t low, int64_t high) const
+{
+    const bool fits = value_->is_number_unsigned() ? value_->get<uint64_t>() <= static_cast<uint64_t>(INT64_MAX)
+                                                   : value_->is_number_integer();
+    if (!fits || value_->get<int64_t>() < low || value_->get<int64_t>() > high)
+        fail_type(fmt::format("an integer from {} to {}", low, high));
+    return value_->get<int64_t>();
+}
+
+double json_node::number(double low, double high) const
+{
+    if (!value_->is_number() || !(value_->get<double>() >= low) || !(value_->get<double>() <= high))
+        fail_type(fmt::format("a number from {} to {}", low, high));
+    return value_->get<double>();
+}
+
+bool json_node::boolean() const
+{
+    if (!value_->is_boolean())
+        fail_type("true or false");
+    return value_->get<bool>();
+}
+
+std::string json_node::text() const
+{
+    if (!value_->is_string())
+        fail_type("a text");
+    return value_->get<std::string>();
+}
+
+byte_buffer json_node::hex() const
+{
+    const std::string digits = value_->is_string() ? value_->get<std::string>() : "?";
+    byte_buffer bytes(digits.size() / 2);
+    bool good = digits.size() % 2 == 0;
+    for (size_t i = 0; good && i < bytes.size(); ++i) {
+        const char *start = digits.data() + 2 * i;
+        good = std::from_chars(start, start + 2, bytes[i], 16).ptr == start + 2;
+    }
+    if (!good)
+        fail_type("bytes as pairs of hexadecimal digits");
+    return bytes;
+}
+
+byte_buffer json_node::hex(size_t size) const
+{
+    byte_buffer bytes = hex();
+    if (bytes.size() != size)
+        fail(fmt::format("{} bytes", bytes.size()), fmt::format("{} bytes as hexadecimal digits", size));
+    return bytes;
+}
+
+std::string hex_text(byte_view bytes)
+{
+    return fmt::format("{:02x}", fmt::join(bytes, ""));
+}
+
+} // namespace qz::tool

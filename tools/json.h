@@ -1,0 +1,64 @@
+// JSON documents read strictly, with errors that name the place, and written so that a person can read them.
+#pragma once
+
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "files.h"
+
+namespace qz::tool {
+
+using json = nlohmann::ordered_json;
+
+// Throws file_error with line and column for text that is no JSON, and for an object that has a name twice.
+json parse_json(const std::string &file, std::string_view text);
+
+// Objects and lists over several lines, lists of numbers filled into lines, short lists of numbers side by side.
+std::string json_text(const json &value);
+
+// One value of a document together with its path, such as "frames[2].exposure.analog_gain". Every accessor throws
+// file_error when the value is not what the caller expects. The document must outlive its nodes.
+class json_node {
+  public:
+    json_node(const json &document, std::string file, std::string path = {});
+
+    const json &value() const
+    {
+        return *value_;
+    }
+    const std::string &path() const
+    {
+        return path_;
+    }
+
+    // Object members; a member that is null counts as absent. "comment" is a known name everywhere.
+    void expect_names(const std::vector<std::string_view> &names) const;
+    std::optional<json_node> find(std::string_view name) const;
+    json_node at(std::string_view name) const;
+
+    std::vector<json_node> items() const;
+    std::vector<json_node> items(size_t count) const;
+
+    int64_t integer(int64_t low, int64_t high) const;
+    double number(double low, double high) const;
+    bool boolean() const;
+    std::string text() const;
+    byte_buffer hex() const;
+    byte_buffer hex(size_t size) const;
+
+    [[noreturn]] void fail(std::string_view found, std::string_view expected) const;
+    [[noreturn]] void fail_type(std::string_view expected) const;
+
+  private:
+    const json *value_;
+    std::string file_;
+    std::string path_;
+};
+
+std::string hex_text(byte_view bytes);
+
+} // namespace qz::tool

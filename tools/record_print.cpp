@@ -1,0 +1,189 @@
+#include "record_print.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include <fmt/format.h>
+
+namespace qz::tool {
+
+namespace {
+
+constexpr size_t channels = 4;
+// Fields of more rows than this are abbreviated.
+constexpr size_t short_rows = 4;
+constexpr std::string_view indent = "       ";
+
+using text_output = std::back_insert_iterator<std::string>;
+
+// Rows of numbers in columns of one width, each row after the index of its first value.
+class row_printer {
+  public:
+    row_printer(std::string &text, std::string_view name, bool indexed) : text_(text), name_(name), indexed_(indexed) {}
+
+    void row(size_t index, const std::vector<int64_t> &values, size_t width)
+    {
+        start(indexed_ ? fmt::format("{}:", index) : "");
+        for (const int64_t value : values)
+            fmt::format_to(text_output(text_), " {:>{}}", value, width);
+        text_ += '\n';
+    }
+
+    void note(std::string_view text)
+    {
+        start("");
+        fmt::format_to(text_output(text_), " {}\n", text);
+    }
+
+  private:
+    void start(std::string_view label)
+    {
+        fmt::format_to(text_output(text_), "{}{:<16}{:>5}", indent, name_, label);
+        name_ = "";
+    }
+
+    std::string &text_;
+    std::string_view name_;
+    bool indexed_;
+};
+
+size_t widest(const std::vector<int64_t> &values)
+{
+    size_t width = 1;
+    for (const int64_t value : values)
+        width = std::max(width, fmt::formatted_size("{}", value));
+    return width;
+}
+
+void print_values(std::string &text, std::string_view name, const std::vector<int64_t> &values, size_t columns,
+                  bool all)
+{
+    const size_t rows = (values.size() + columns - 1) / columns;
+    const size_t width = widest(values);
+    row_printer printer(text, name, rows > 1);
+    for (size_t row = 0; row < rows; ++row) {
+        if (!all && rows > short_rows && row == 1) {
+            printer.note(fmt::format("... {} values, --all shows them", values.size()));
+            row = rows - 1;
+        }
+        const auto first = values.begin() + static_cast<ptrdiff_t>(row * columns);
+        const auto last = row + 1 == rows ? values.end() : first + static_cast<ptrdiff_t>(columns);
+        printer.row(row * columns, std::vector(first, last), width);
+    }
+}
+
+std::vector<int64_t> field_values(const record_snapshot &snapshot, const block_layout &block, const field &described)
+{
+    std::vector<int64_t> values(used_count(snapshot, block, described));
+    for (size_t i = 0; i < values.size(); ++i)
+        values[i] = integer_at(described, &snapshot.record, i);
+    return values;
+}
+
+double shading_unit(const record_snapshot &snapshot)
+{
+    return snapshot.record.lens_shading.payload.format == 10 ? 1024.0 : 256.0;
+}
+
+// The index of sample i of `samples` spread over 0 to count - 1, both ends included.
+size_t spread(size_t i, size_t samples, size_t count)
+{
+    return samples < 2 ? 0 : i * (count - 1) / (samples - 1);
+}
+
+// Gains of two channels side by side, sampled over the grid.
+void print_shading_maps(std::string &text, const record_snapshot &snapshot, size_t left)
+{
+    const shading_table tables[] = {shading_channel(snapshot, left), shading_channel(snapshot, left + 1)};
+    const size_t rows = std::min<size_t>(7, tables[0].rows);
+    const size_t columns = std::min<size_t>(9, tables[0].columns);
+    const std::string title = fmt::format("gains of channel {}", left);
+    fmt::format_to(text_output(text), "{}{:<{}}    gains of channel {}\n", indent, title,
+                   std::max(title.size(), 5 * columns), left + 1);
+    for (size_t row = 0; row < rows; ++row) {
+        text += indent;
+        for (const shading_table &table : tables) {
+            const size_t start = spread(row, rows, table.rows) * table.columns;
+            for (size_t column = 0; column < columns; ++column) {
+                const double entry = table.entries[start + spread(column, columns, table.columns)];
+                fmt::format_to(text_output(text), "{:.2f} ", entry / shading_unit(snapshot));
+            }
+            text += &table == tables ? "   " : "";
+        }
+        text.back() = '\n';
+    }
+}
+
+void print_shading(std::string &text, const record_snapshot &snapshot, bool all)
+{
+    for (size_t channel = 0; channel < channels; ++channel) {
+        const shading_table table = shading_channel(snapshot, channel);
+        if (table.entries.empty())
+            return;
+        if (all) {
+            const std::vector<int64_t> values(table.entries.begin(), table.entries.end());
+            print_values(text, fmt::format("table {}", channel), values, table.columns, true);
+        } else if (channel % 2 == 0) {
+            print_shading_maps(text, snapshot, channel);
+        }
+    }
+}
+
+json shading_json(const record_snapshot &snapshot)
+{
+    json tables = json::array();
+    for (size_t channel = 0; channel < channels; ++channel) {
+        const shading_table table = shading_channel(snapshot, channel);
+        json rows = json::array();
+        for (size_t row = 0; row < table.rows; ++row)
+            rows.push_back(json(table.entries.subspan(row * table.columns, table.columns)));
+        tables.push_back(std::move(rows));
+    }
+    return tables;
+}
+
+json block_json(const record_snapshot &snapshot, const block_layout &block)
+{
+    json fields = json::object();
+    for (const field &described : block.fields) {
+        const std::vector<int64_t> values = field_values(snapshot, block, described);
+        fields[std::string(described.name)] = described.is_list ? json(values) : json(values[0]);
+    }
+    if (has_shading_tables(block))
+        fields["tables"] = shading_json(snapshot);
+    return {{"id", block.id},
+            {"name", block.name},
+            {"offset", block.offset},
+            {"size", block_size(snapshot, block)},
+            {"fields", std::move(fields)}};
+}
+
+} // namespace
+
+std::string record_text(const record_snapshot &snapshot, bool all)
+{
+    std::string text;
+    for (const block_layout &block : record_blocks()) {
+        if (!block_present(snapshot, block))
+            continue;
+        fmt::format_to(text_output(text), "  {:>3}  {:<26} offset {:>5}   size {:>5}\n", block.id, block.name,
+                       block.offset, block_size(snapshot, block));
+        for (const field &described : block.fields)
+            print_values(text, described.name, field_values(snapshot, block, described), described.columns, all);
+        if (has_shading_tables(block))
+            print_shading(text, snapshot, all);
+    }
+    return text;
+}
+
+json record_json(const record_snapshot &snapshot)
+{
+    json blocks = json::array();
+    for (const block_layout &block : record_blocks()) {
+        if (block_present(snapshot, block))
+            blocks.push_back(block_json(snapshot, block));
+    }
+    return blocks;
+}
+
+} // namespace qz::tool

@@ -1,0 +1,91 @@
+#include "session.h"
+
+#include <fmt/format.h>
+
+#include "error.h"
+#include "qz_isp/error.h"
+
+namespace qz::tool {
+
+namespace {
+
+// The library's view of a characterisation; valid while the characterisation lives.
+struct bound_characterisation {
+    explicit bound_characterisation(const characterisation &source)
+        : sensor(source.sensor_description.value_or(isp_sensor_description{})),
+          entries(source.entries.value_or(std::vector<std::array<uint32_t, 4>>{})),
+          header({{0, 0}, static_cast<uint32_t>(entries.size())}),
+          cmc({nullptr, nullptr, source.sensor_description ? &sensor : nullptr, source.entries ? &header : nullptr,
+               source.entries ? entries.data() : nullptr})
+    {}
+
+    isp_sensor_description sensor;
+    std::vector<std::array<uint32_t, 4>> entries;
+    isp_entry_table_header header;
+    isp_cmc cmc;
+};
+
+template <typename Record>
+const Record *address_of(const std::optional<Record> &record)
+{
+    return record ? &*record : nullptr;
+}
+
+const float *address_of(const curve &numbers)
+{
+    return numbers ? numbers->data() : nullptr;
+}
+
+isp_gamma_params bind(const gamma_inputs &gamma)
+{
+    return {{address_of(gamma.curves[0]), address_of(gamma.curves[1]), address_of(gamma.curves[2])}, gamma.point_count};
+}
+
+isp_lsc_params bind(const shading_inputs &lsc)
+{
+    return {{address_of(lsc.grids[0]), address_of(lsc.grids[1]), address_of(lsc.grids[2]), address_of(lsc.grids[3])},
+            lsc.width,
+            lsc.height,
+            lsc.enable,
+            {}};
+}
+
+} // namespace
+
+isp_session::isp_session(byte_buffer container, const std::string &container_name, const scene &setup)
+    : container_(std::move(container))
+{
+    const isp_blob blob = {container_.data(), static_cast<uint32_t>(container_.size())};
+    std::optional<bound_characterisation> bound;
+    if (setup.cmc)
+        bound.emplace(*setup.cmc);
+    context_.reset(qz_isp_2_7_init(&blob, setup.grid_width, setup.grid_height, bound ? &bound->cmc : nullptr, nullptr));
+    if (!context_)
+        throw file_error(container_name,
+                         fmt::format("the library did not accept it with a statistics grid of {} x {} cells",
+                                     setup.grid_width, setup.grid_height));
+}
+
+record_snapshot isp_session::run(const frame_inputs &inputs)
+{
+    const isp_gamma_params gamma = inputs.gamma ? bind(*inputs.gamma) : isp_gamma_params{};
+    const isp_lsc_params lsc = inputs.lsc ? bind(*inputs.lsc) : isp_lsc_params{};
+
+    isp_input_params params = inputs.controls;
+    params.frame = address_of(inputs.frame);
+    params.exposure = address_of(inputs.exposure);
+    params.scene = address_of(inputs.scene);
+    params.gamma = inputs.gamma ? &gamma : nullptr;
+    params.colour = address_of(inputs.colour);
+    params.lsc = inputs.lsc ? &lsc : nullptr;
+    params.aux_size = address_of(inputs.aux_size);
+    params.selection_list = inputs.selection_list ? inputs.selection_list->data() : nullptr;
+
+    isp_output_desc output = {nullptr, 0};
+    const uint32_t status = qz_isp_2_7_run(context_.get(), &params, &output);
+    if (status != ISP_SUCCESS || output.record == nullptr)
+        throw std::runtime_error(fmt::format("the frame run failed with status {}", status));
+    return take_snapshot(*output.record, output.bytes_used);
+}
+
+} // namespace qz::tool

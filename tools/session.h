@@ -1,0 +1,34 @@
+// One context of the library and the frames run through it.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "files.h"
+#include "record_layout.h"
+#include "scene.h"
+
+namespace qz::tool {
+
+class isp_session {
+  public:
+    // container_name is for error messages.
+    isp_session(byte_buffer container, const std::string &container_name, const scene &setup);
+
+    // The record after the frame; nothing when the library did not report one.
+    record_snapshot run(const frame_inputs &inputs);
+
+  private:
+    struct context_deleter {
+        void operator()(isp_context *context) const
+        {
+            qz_isp_2_7_deinit(context);
+        }
+    };
+
+    byte_buffer container_;
+    std::unique_ptr<isp_context, context_deleter> context_;
+};
+
+} // namespace qz::tool

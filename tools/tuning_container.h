@@ -1,0 +1,78 @@
+// A tuning container taken apart: its records, what is wrong with them, and their bytes.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "files.h"
+#include "tuning_layout.h"
+
+namespace qz::tool {
+
+// Set containers nested deeper than this are kept as bytes.
+constexpr unsigned max_nesting = 64;
+
+struct tuning_record;
+
+struct record_list {
+    std::vector<tuning_record> records;
+    byte_view trailing; // what the walk leaves unread: up to 8 bytes, or all from a record of bad size on
+};
+
+struct tuning_record {
+    size_t offset; // in the file
+    uint8_t version;
+    uint8_t unread;
+    uint16_t id;
+    byte_view body; // behind the record header
+    std::optional<record_place> place;
+
+    // Set containers only.
+    bool is_set_container;
+    bool tagged;      // a container header precedes the nested records
+    byte_view header; // that header behind its tag
+    record_list nested;
+
+    size_t size() const
+    {
+        return body.size() + record_header_size;
+    }
+};
+
+// Why the library refuses the container (error), or what it silently does about an odd record.
+struct tuning_problem {
+    bool error;
+    size_t offset;
+    std::optional<uint16_t> id; // none: the container as a whole
+    std::string text;
+};
+
+struct tuning_container {
+    byte_view header; // behind the tag
+    record_list list;
+    std::vector<tuning_problem> problems; // in file order
+
+    bool has_errors() const;
+};
+
+// Throws file_error for bytes that are no container at all. The views point into the bytes.
+tuning_container read_container(const std::string &file, byte_view bytes);
+
+// "offset 72, id 339: found ..., expected ..."
+std::string problem_text(const tuning_problem &problem);
+
+// The number of rows or rules that a record states; nothing for records without rows or too short to state a number.
+std::optional<int64_t> stated_rows(const tuning_record &record);
+
+template <typename T>
+T read_le(byte_view bytes, size_t offset)
+{
+    T value = 0;
+    for (size_t i = sizeof(T); i-- > 0;)
+        value = static_cast<T>((static_cast<uint64_t>(value) << 8) | bytes[offset + i]);
+    return value;
+}
+
+} // namespace qz::tool

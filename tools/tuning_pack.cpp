@@ -1,0 +1,316 @@
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "error.h"
+#include "tuning_source.h"
+
+namespace qz::tool {
+
+namespace {
+
+constexpr int64_t default_version = 100;
+
+template <typename T>
+void append_le(byte_buffer &bytes, T value)
+{
+    for (size_t i = 0; i < sizeof(T); ++i)
+        bytes.push_back(static_cast<uint8_t>(static_cast<uint64_t>(value) >> (8 * i)));
+}
+
+void append(byte_buffer &bytes, byte_view more)
+{
+    bytes.insert(bytes.end(), more.begin(), more.end());
+}
+
+void append_element(byte_buffer &bytes, element type, const json_node &node)
+{
+    const size_t size = element_size(type);
+    const bool is_signed = type == element::i8 || type == element::i16 || type == element::i32;
+    const auto bits = static_cast<int64_t>(8 * size);
+    const int64_t low = is_signed ? -(int64_t{1} << (bits - 1)) : 0;
+    const int64_t high = (int64_t{1} << (is_signed ? bits - 1 : bits)) - 1;
+    const auto value = static_cast<uint64_t>(node.integer(low, high));
+    for (size_t i = 0; i < size; ++i)
+        bytes.push_back(static_cast<uint8_t>(value >> (8 * i)));
+}
+
+void append_row(byte_buffer &bytes, std::span<const element_run> row, std::span<const json_node> values)
+{
+    for (const element_run &part : row) {
+        for (const json_node &value : values.first(part.count))
+            append_element(bytes, part.type, value);
+        values = values.subspan(part.count);
+    }
+}
+
+size_t row_length(std::span<const element_run> row)
+{
+    size_t length = 0;
+    for (const element_run &part : row)
+        length += part.count;
+    return length;
+}
+
+void append_rows(byte_buffer &bytes, std::span<const element_run> row, const std::vector<json_node> &rows)
+{
+    for (const json_node &each : rows)
+        append_row(bytes, row, each.items(row_length(row)));
+}
+
+void append_macc(byte_buffer &bytes, std::span<const element_run> row, const std::vector<json_node> &entries)
+{
+    for (const json_node &entry : entries) {
+        entry.expect_names({"type", "key", "matrices"});
+        std::vector<json_node> values = {entry.at("type"), entry.at("key")};
+        for (const json_node &matrix : entry.at("matrices").items(macc_matrices)) {
+            for (json_node &coefficient : matrix.items(macc_matrix_size))
+                values.push_back(std::move(coefficient));
+        }
+        append_row(bytes, row, values);
+    }
+}
+
+std::vector<json_node> counted_rows(const json_node &list, uint64_t limit)
+{
+    std::vector<json_node> rows = list.items();
+    if (rows.size() > limit)
+        list.fail(fmt::format("{} rows", rows.size()), fmt::format("at most {}", limit));
+    return rows;
+}
+
+void append_fringe_tail(byte_buffer &bytes, const json_node &node, int64_t version, size_t rows)
+{
+    if (version <= 100 && node.find("count2"))
+        node.fail(fmt::format("\"count2\" in version {}", version), "version 101 or above with it");
+    if (version <= 101 && node.find("extra"))
+        node.fail(fmt::format("\"extra\" in version {}", version), "version 102 or above with it");
+    if (version > 100)
+        append_element(bytes, element::u16, node.at("count2"));
+    if (version > 101)
+        append_rows(bytes, fringe_extra_row, node.at("extra").items(rows));
+}
+
+byte_buffer pack_table(const json_node &node, const record_kind &kind, int64_t version)
+{
+    const bool wide = kind.shape == record_shape::rows32;
+    const bool is_macc = kind.shape == record_shape::macc;
+    const std::vector<json_node> rows =
+        counted_rows(node.at(is_macc ? "entries" : "rows"), wide ? INT32_MAX : UINT16_MAX);
+    byte_buffer bytes;
+    if (wide) {
+        const std::optional<json_node> reserved = node.find("reserved");
+        append(bytes, reserved ? reserved->hex(8) : byte_buffer(8));
+        append_le(bytes, static_cast<uint32_t>(rows.size()));
+    } else {
+        append_le(bytes, static_cast<uint16_t>(rows.size()));
+    }
+    if (is_macc)
+        append_macc(bytes, kind.row, rows);
+    else
+        append_rows(bytes, kind.row, rows);
+    if (kind.shape == record_shape::fringe)
+        append_fringe_tail(bytes, node, version, rows.size());
+    return bytes;
+}
+
+byte_buffer pack_fields(const json_node &node, const record_kind &kind)
+{
+    const field &last = kind.fields.back();
+    byte_buffer bytes(last.offset + last.count * element_size(last.type));
+    for (const field &described : kind.fields)
+        static_cast<void>(node.at(described.name));
+    read_fields(node, kind.fields, bytes.data());
+    return bytes;
+}
+
+uint16_t read_named(const json_node &node, std::span<const std::string_view> names)
+{
+    if (!node.value().is_string())
+        return static_cast<uint16_t>(node.integer(0, UINT16_MAX));
+    const auto found = std::ranges::find(names, node.text());
+    if (found == names.end())
+        node.fail(fmt::format("\"{}\"", node.text()), fmt::format("one of {}", fmt::join(names, " ")));
+    return static_cast<uint16_t>(found - names.begin() + 1);
+}
+
+byte_buffer pack_rules(const json_node &node)
+{
+    byte_buffer bytes;
+    const std::optional<json_node> reserved = node.find("reserved");
+    append(bytes, reserved ? reserved->hex(4) : byte_buffer(4));
+    const std::vector<json_node> rules = node.at("rules").items();
+    append_le(bytes, static_cast<uint32_t>(rules.size()));
+    for (const json_node &rule : rules) {
+        rule.expect_names({"kind", "op", "threshold", "set_index", "reserved"});
+        append_le(bytes, read_named(rule.at("kind"), rule_kinds));
+        append_le(bytes, read_named(rule.at("op"), rule_ops));
+        append_element(bytes, element::u16, rule.at("set_index"));
+        const std::optional<json_node> unused = rule.find("reserved");
+        append_le(bytes, static_cast<uint16_t>(unused ? unused->integer(0, UINT16_MAX) : 0));
+        const double threshold =
+            rule.at("threshold").number(std::numeric_limits<double>::lowest(), std::numeric_limits<double>::max());
+        uint64_t bits = 0;
+        std::memcpy(&bits, &threshold, sizeof bits);
+        append_le(bytes, bits);
+    }
+    return bytes;
+}
+
+uint16_t slot_id(const json_node &node)
+{
+    const json_node slot = node.at("slot");
+    const std::string name = slot.text();
+    if (name == "rules")
+        return rules_id;
+    const auto kinds = record_kinds();
+    const auto kind = std::ranges::find(kinds, std::string_view(name), &record_kind::name);
+    if (kind == kinds.end())
+        slot.fail(fmt::format("\"{}\"", name), "the name of a slot, or \"rules\"");
+
+    const json_node family = node.at("family");
+    const json_node set = node.at("set");
+    const int64_t base = family.integer(0, UINT16_MAX);
+    if (base != 320 && base != 768 && base != 1536)
+        family.fail(std::to_string(base), "320, 768 or 1536");
+    const std::optional<uint16_t> id =
+        id_of(*kind, static_cast<uint16_t>(base), static_cast<uint8_t>(set.integer(0, 2)));
+    if (!id)
+        family.fail(std::to_string(base), fmt::format("a family that has the slot {}", name));
+    return *id;
+}
+
+// The names that a record may have besides those of its place, version and raw bytes.
+std::vector<std::string_view> content_names(const record_kind *kind)
+{
+    if (kind == nullptr)
+        return {};
+    switch (kind->shape) {
+    case record_shape::fields:
+        return field_names(kind->fields);
+    case record_shape::macc:
+        return {"entries"};
+    case record_shape::fringe:
+        return {"rows", "count2", "extra"};
+    case record_shape::rows16:
+        return {"rows"};
+    case record_shape::rows32:
+        return {"reserved", "rows"};
+    default:
+        return {};
+    }
+}
+
+byte_buffer pack_body(const json_node &node, uint16_t id, int64_t version)
+{
+    std::vector<std::string_view> names = {"version", "unread", "id"};
+    if (node.find("slot"))
+        names = {"version", "unread", "slot"};
+    if (node.find("slot") && id != rules_id)
+        names.insert(names.end(), {"family", "set"});
+    if (node.find("bytes")) {
+        names.emplace_back("bytes");
+        node.expect_names(names);
+        return node.at("bytes").hex();
+    }
+    const std::optional<record_place> place = find_place(id);
+    const record_kind *kind = place ? place->kind : nullptr;
+    const std::vector<std::string_view> contents =
+        id == rules_id ? std::vector<std::string_view>{"reserved", "rules"} : content_names(kind);
+    names.insert(names.end(), contents.begin(), contents.end());
+    node.expect_names(names);
+    if (id == rules_id)
+        return pack_rules(node);
+    if (kind != nullptr && kind->shape == record_shape::fields)
+        return pack_fields(node, *kind);
+    if (kind != nullptr && kind->shape != record_shape::raw)
+        return pack_table(node, *kind, version);
+    return node.at("bytes").hex();
+}
+
+byte_buffer pack_list(const json_node &node, unsigned depth);
+
+byte_buffer pack_set_container(const json_node &node, unsigned depth)
+{
+    node.expect_names({"set_index", "version", "unread", "tagged", "header", "records", "trailing"});
+    if (depth >= max_nesting)
+        node.fail(fmt::format("a set container nested more than {} deep", max_nesting), "its bytes, with its id");
+    const std::optional<json_node> tagged = node.find("tagged");
+    const std::optional<json_node> header = node.find("header");
+    byte_buffer bytes;
+    if (tagged && tagged->boolean()) {
+        append_le(bytes, container_tag);
+        append(bytes, header ? header->hex(container_header_size - 4) : byte_buffer(container_header_size - 4));
+    } else if (header) {
+        header->fail("a header", "none without \"tagged\": true");
+    }
+    append(bytes, pack_list(node, depth + 1));
+    return bytes;
+}
+
+byte_buffer pack_record(const json_node &node, unsigned depth)
+{
+    const std::optional<json_node> given_version = node.find("version");
+    const std::optional<json_node> unread = node.find("unread");
+    const std::optional<json_node> set_index = node.find("set_index");
+    const std::optional<json_node> given_id = node.find("id");
+    const int64_t version = given_version ? given_version->integer(0, UINT8_MAX) : default_version;
+
+    uint16_t id = 0;
+    byte_buffer body;
+    if (set_index) {
+        id = static_cast<uint16_t>(set_container_base + set_index->integer(1, UINT16_MAX - set_container_base));
+        body = pack_set_container(node, depth);
+    } else {
+        id = given_id ? static_cast<uint16_t>(given_id->integer(0, UINT16_MAX)) : slot_id(node);
+        body = pack_body(node, id, version);
+    }
+
+    byte_buffer bytes;
+    append_le(bytes, static_cast<uint32_t>(body.size() + record_header_size));
+    bytes.push_back(static_cast<uint8_t>(version));
+    bytes.push_back(static_cast<uint8_t>(unread ? unread->integer(0, UINT8_MAX) : 0));
+    append_le(bytes, id);
+    append(bytes, body);
+    return bytes;
+}
+
+byte_buffer pack_list(const json_node &node, unsigned depth)
+{
+    byte_buffer bytes;
+    for (const json_node &record : node.at("records").items())
+        append(bytes, pack_record(record, depth));
+    if (const std::optional<json_node> trailing = node.find("trailing"))
+        append(bytes, trailing->hex());
+    return bytes;
+}
+
+} // namespace
+
+byte_buffer pack_container(const std::string &file, std::string_view text)
+{
+    const json document = parse_json(file, text);
+    const json_node root(document, file);
+    root.expect_names({"header", "records", "trailing"});
+    byte_buffer bytes;
+    append_le(bytes, container_tag);
+    const std::optional<json_node> header = root.find("header");
+    append(bytes, header ? header->hex(container_header_size - 4) : byte_buffer(container_header_size - 4));
+    append(bytes, pack_list(root, 0));
+    if (bytes.size() > UINT32_MAX)
+        throw file_error(file, "", fmt::format("a container of {} bytes", bytes.size()), "at most 4294967295");
+    return bytes;
+}
+
+byte_buffer container_bytes(const std::string &file, byte_buffer bytes)
+{
+    const auto first = std::ranges::find_if_not(bytes, [](uint8_t byte) { return byte <= ' '; });
+    if (first == bytes.end() || *first != '{')
+        return bytes;
+    return pack_container(file, {reinterpret_cast<const char *>(bytes.data()), bytes.size()});
+}
+
+} // namespace qz::tool

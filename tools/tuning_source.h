@@ -1,0 +1,30 @@
+// The JSON source of a tuning container, in both directions: packing what container_json() gave gives the same bytes.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "json.h"
+#include "tuning_container.h"
+
+namespace qz::tool {
+
+// Texts that stand for 1, 2 and so on in a selection rule; other numbers stand for themselves.
+constexpr std::string_view rule_kinds[] = {"frame", "aux_size"};
+constexpr std::string_view rule_ops[] = {"==", "<", ">", "<=", ">="};
+
+// A multi-axis entry's matrices, row by row.
+constexpr size_t macc_matrices = 16;
+constexpr size_t macc_matrix_size = 4;
+
+// A row of a fringe control record's second table.
+constexpr element_run fringe_extra_row[] = {{element::u16, 4}};
+
+byte_buffer pack_container(const std::string &file, std::string_view text);
+
+json container_json(const tuning_container &container);
+
+// A container as it is, or the bytes of its JSON source; which of the two the file holds shows in its first bytes.
+byte_buffer container_bytes(const std::string &file, byte_buffer bytes);
+
+} // namespace qz::tool

@@ -1,0 +1,211 @@
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "tuning_source.h"
+
+namespace qz::tool {
+
+namespace {
+
+bool all_zero(byte_view bytes)
+{
+    return std::ranges::all_of(bytes, [](uint8_t byte) { return byte == 0; });
+}
+
+field run_field(const element_run &part)
+{
+    return {"", part.type, part.count, 1, 0, true};
+}
+
+json row_json(byte_view bytes, size_t offset, std::span<const element_run> row)
+{
+    json values = json::array();
+    for (const element_run &part : row) {
+        for (size_t i = 0; i < part.count; ++i)
+            values.push_back(integer_at(run_field(part), bytes.data() + offset, i));
+        offset += part.count * element_size(part.type);
+    }
+    return values;
+}
+
+json rows_json(byte_view bytes, size_t offset, size_t rows, std::span<const element_run> row)
+{
+    json list = json::array();
+    for (size_t i = 0; i < rows; ++i)
+        list.push_back(row_json(bytes, offset + i * row_size(row), row));
+    return list;
+}
+
+json macc_json(const json &row)
+{
+    json matrices = json::array();
+    for (size_t i = 2; i < row.size(); i += macc_matrix_size)
+        matrices.push_back({row[i], row[i + 1], row[i + 2], row[i + 3]});
+    return {{"type", row[0]}, {"key", row[1]}, {"matrices", std::move(matrices)}};
+}
+
+// The parts behind the main table that the version promises, as far as the size says they are there.
+bool add_fringe_tail(json &result, const tuning_record &record, size_t rows)
+{
+    const size_t count2 = 2 + 18 * rows; // in the body
+    size_t expected = count2;
+    if (record.version > 100)
+        expected += 2;
+    if (record.version > 101)
+        expected += 8 * rows;
+    if (record.body.size() != expected)
+        return false;
+    if (record.version > 100)
+        result["count2"] = read_le<uint16_t>(record.body, count2);
+    if (record.version > 101)
+        result["extra"] = rows_json(record.body, count2 + 2, rows, fringe_extra_row);
+    return true;
+}
+
+bool add_table(json &result, const tuning_record &record, const record_kind &kind)
+{
+    const std::optional<int64_t> stated = stated_rows(record);
+    const size_t start = rows_offset(kind.shape) - record_header_size;
+    const size_t size = row_size(kind.row);
+    if (!stated || *stated < 0 || static_cast<uint64_t>(*stated) > (record.body.size() - start) / size)
+        return false;
+    const auto rows = static_cast<size_t>(*stated);
+
+    if (kind.shape == record_shape::rows32 && !all_zero(record.body.first(8)))
+        result["reserved"] = hex_text(record.body.first(8));
+    json list = rows_json(record.body, start, rows, kind.row);
+    if (kind.shape == record_shape::macc) {
+        std::ranges::transform(list, list.begin(), macc_json);
+        result["entries"] = std::move(list);
+    } else {
+        result["rows"] = std::move(list);
+    }
+    if (kind.shape == record_shape::fringe)
+        return add_fringe_tail(result, record, rows);
+    return record.body.size() == start + rows * size;
+}
+
+bool add_fields(json &result, const tuning_record &record, const record_kind &kind)
+{
+    const field &last = kind.fields.back();
+    if (record.body.size() != last.offset + last.count * element_size(last.type))
+        return false;
+    write_fields(result, kind.fields, record.body.data());
+    return true;
+}
+
+json named_or_number(std::span<const std::string_view> names, uint16_t number)
+{
+    return number >= 1 && number <= names.size() ? json(names[number - 1u]) : json(number);
+}
+
+bool add_rules(json &result, const tuning_record &record)
+{
+    if (record.size() < rules_start)
+        return false;
+    const uint64_t count = read_le<uint32_t>(record.body, 4);
+    if (count * rule_size + rules_start != record.size())
+        return false;
+    if (!all_zero(record.body.first(4)))
+        result["reserved"] = hex_text(record.body.first(4));
+    json list = json::array();
+    for (size_t at = rules_start - record_header_size; at < record.body.size(); at += rule_size) {
+        const auto bits = read_le<uint64_t>(record.body, at + 8);
+        double threshold = 0;
+        std::memcpy(&threshold, &bits, sizeof threshold);
+        if (!std::isfinite(threshold))
+            return false;
+        json rule = {{"kind", named_or_number(rule_kinds, read_le<uint16_t>(record.body, at))},
+                     {"op", named_or_number(rule_ops, read_le<uint16_t>(record.body, at + 2))},
+                     {"threshold", threshold},
+                     {"set_index", read_le<uint16_t>(record.body, at + 4)}};
+        if (const auto reserved = read_le<uint16_t>(record.body, at + 6); reserved != 0)
+            rule["reserved"] = reserved;
+        list.push_back(std::move(rule));
+    }
+    result["rules"] = std::move(list);
+    return true;
+}
+
+bool add_contents(json &result, const tuning_record &record)
+{
+    if (record.id == rules_id)
+        return add_rules(result, record);
+    if (!record.place || record.place->kind == nullptr)
+        return false;
+    const record_kind &kind = *record.place->kind;
+    if (kind.shape == record_shape::fields)
+        return add_fields(result, record, kind);
+    return kind.shape != record_shape::raw && add_table(result, record, kind);
+}
+
+json list_json(const record_list &list);
+
+void add_version(json &result, const tuning_record &record)
+{
+    result["version"] = record.version;
+    if (record.unread != 0)
+        result["unread"] = record.unread;
+}
+
+json set_container_json(const tuning_record &record)
+{
+    json result = {{"set_index", record.id - set_container_base}};
+    add_version(result, record);
+    if (record.tagged)
+        result["tagged"] = true;
+    if (!all_zero(record.header))
+        result["header"] = hex_text(record.header);
+    result["records"] = list_json(record.nested);
+    if (!record.nested.trailing.empty())
+        result["trailing"] = hex_text(record.nested.trailing);
+    return result;
+}
+
+json record_json(const tuning_record &record)
+{
+    if (record.is_set_container)
+        return set_container_json(record);
+
+    json result = json::object();
+    if (record.place && record.place->kind != nullptr) {
+        result["slot"] = record.place->kind->name;
+        result["family"] = record.place->family;
+        result["set"] = record.place->set;
+    } else if (record.id == rules_id) {
+        result["slot"] = "rules";
+    } else {
+        result["id"] = record.id;
+    }
+    add_version(result, record);
+    json contents = json::object();
+    if (add_contents(contents, record))
+        result.update(contents);
+    else
+        result["bytes"] = hex_text(record.body);
+    return result;
+}
+
+json list_json(const record_list &list)
+{
+    json records = json::array();
+    for (const tuning_record &record : list.records)
+        records.push_back(record_json(record));
+    return records;
+}
+
+} // namespace
+
+json container_json(const tuning_container &container)
+{
+    json result = json::object();
+    if (!all_zero(container.header))
+        result["header"] = hex_text(container.header);
+    result["records"] = list_json(container.list);
+    if (!container.list.trailing.empty())
+        result["trailing"] = hex_text(container.list.trailing);
+    return result;
+}
+
+} // namespace qz::tool
