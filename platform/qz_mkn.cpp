@@ -5,59 +5,66 @@
 
 namespace {
 
-// A record and, behind it in the same allocation, its elements and its key.
-struct node {
-    qz_mkn_record record;
-    node *next;
-};
-
 size_t element_width(uint32_t format)
 {
     switch (format) {
     case QZ_MKN_I8:
     case QZ_MKN_U8:
-    case QZ_MKN_TEXT:
-        return 1;
+    case QZ_MKN_TEXT: return 1;
     case QZ_MKN_I16:
-    case QZ_MKN_U16:
-        return 2;
+    case QZ_MKN_U16: return 2;
     case QZ_MKN_I32:
-    case QZ_MKN_U32:
-        return 4;
-    default:
-        return 0;
+    case QZ_MKN_U32: return 4;
+    default: return 0;
     }
 }
 
-// Null when memory runs out or the sizes cannot be expressed.
-node *make_node(uint32_t format, uint32_t name, const void *data, uint32_t count, const char *key)
+// A record and, behind it in the same allocation, its elements and its key. Null when memory runs out or the sizes
+// cannot be expressed.
+qz_mkn_record *make_record(uint32_t format, uint32_t name, const void *data, uint32_t count, const char *key)
 {
     const uint64_t size = static_cast<uint64_t>(element_width(format)) * count;
     const size_t key_size = key != nullptr ? strlen(key) + 1 : 0;
-    const uint64_t total = sizeof(node) + size + key_size;
+    const uint64_t total = sizeof(qz_mkn_record) + size + key_size;
     if (size > UINT32_MAX || total > SIZE_MAX)
         return nullptr;
 
-    auto *made = static_cast<node *>(malloc(static_cast<size_t>(total)));
+    auto *made = static_cast<qz_mkn_record *>(malloc(static_cast<size_t>(total)));
     if (made == nullptr)
         return nullptr;
     auto *bytes = reinterpret_cast<char *>(made + 1);
-    made->next = nullptr;
-    made->record = {format, name, count, static_cast<uint32_t>(size), nullptr, nullptr};
+    *made = {format, name, count, static_cast<uint32_t>(size), nullptr, nullptr};
     if (size > 0)
-        made->record.data = memcpy(bytes, data, static_cast<size_t>(size));
+        made->data = memcpy(bytes, data, static_cast<size_t>(size));
     if (key != nullptr)
-        made->record.key = static_cast<const char *>(memcpy(bytes + size, key, key_size));
+        made->key = static_cast<const char *>(memcpy(bytes + size, key, key_size));
     return made;
 }
 
 } // namespace
 
 struct qz_mkn {
-    node *first;
-    node *last;
+    qz_mkn_record **records;
     uint32_t count;
+    uint32_t capacity;
     uint32_t dropped;
+
+    // Makes room for one more record; false when memory runs out.
+    bool reserve()
+    {
+        if (count < capacity)
+            return true;
+        constexpr uint32_t first_capacity = 64;
+        const uint64_t grown = capacity > 0 ? uint64_t{capacity} * 2 : first_capacity;
+        if (grown > UINT32_MAX || grown > SIZE_MAX / sizeof *records)
+            return false;
+        void *block = realloc(records, static_cast<size_t>(grown) * sizeof *records);
+        if (block == nullptr)
+            return false;
+        records = static_cast<qz_mkn_record **>(block);
+        capacity = static_cast<uint32_t>(grown);
+        return true;
+    }
 };
 
 qz_mkn *qz_mkn_create(void)
@@ -69,11 +76,9 @@ void qz_mkn_destroy(qz_mkn *mkn)
 {
     if (mkn == nullptr)
         return;
-    for (node *current = mkn->first; current != nullptr;) {
-        node *next = current->next;
-        free(current);
-        current = next;
-    }
+    for (uint32_t i = 0; i < mkn->count; ++i)
+        free(mkn->records[i]);
+    free(mkn->records);
     free(mkn);
 }
 
@@ -82,17 +87,12 @@ bool qz_mkn_add_record(qz_mkn *mkn, uint32_t format, uint32_t name, const void *
     if (mkn == nullptr)
         return false;
     const bool known = element_width(format) != 0 && (data != nullptr || count == 0);
-    node *made = known ? make_node(format, name, data, count, key) : nullptr;
+    qz_mkn_record *made = known && mkn->reserve() ? make_record(format, name, data, count, key) : nullptr;
     if (made == nullptr) {
         ++mkn->dropped;
         return false;
     }
-    if (mkn->last != nullptr)
-        mkn->last->next = made;
-    else
-        mkn->first = made;
-    mkn->last = made;
-    ++mkn->count;
+    mkn->records[mkn->count++] = made;
     return true;
 }
 
@@ -110,10 +110,7 @@ bool qz_mkn_get_record(const qz_mkn *mkn, uint32_t index, qz_mkn_record *record)
 {
     if (index >= mkn->count)
         return false;
-    const node *current = mkn->first;
-    while (index-- > 0)
-        current = current->next;
-    *record = current->record;
+    *record = *mkn->records[index];
     return true;
 }
 
