@@ -165,7 +165,7 @@ TEST(parse, row_counts_are_limited_to_the_bytes_and_short_records_read_as_zeros)
     EXPECT_EQ(count(result.set(0).long_13.record, 16), 1);                // 52 bytes of rows of 28
     EXPECT_EQ(count(result.set(0).long_11.record, 16), -5);
     EXPECT_EQ(count(result.set(0).long_3.record, 16), 0);
-    EXPECT_EQ(count(result.set(0).rec_3, 12), 0);
+    EXPECT_EQ(count(result.set(0).rec_3, 10), 0);
     EXPECT_NE(log.find("326"), std::string::npos);
     EXPECT_NE(log.find("781"), std::string::npos);
     EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 2);
