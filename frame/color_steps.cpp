@@ -72,7 +72,7 @@ void black_level_step(const frame_run &run)
     auto &block = run.record.black_level;
     write_header(block);
     auto &level = block.payload.level;
-    if (run.sensor != nullptr && run.input.colour != nullptr)
+    if (run.has_black_levels())
         compute_isp_black_level_compensation(run.input.colour->black_level, run.sensor->bit_depth, &level[1], &level[0],
                                              &level[3], &level[2]);
     else

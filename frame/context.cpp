@@ -23,8 +23,6 @@ constexpr uint64_t rgbs_cell_size = sizeof(isp_rgbs_cell);
 static_assert(sizeof(isp_cmc) <= cmc_region_size);
 static_assert(QZ_MKN_KEY_LENGTH < key_region_size);
 static_assert(rgbs_cell_size == 5);
-static_assert(sizeof(void *) != 4 || (sizeof(isp_context) == 56 && sizeof(rgbs_grid_desc) == 8 &&
-                                      sizeof(af_grid_desc) == 16 && sizeof(isp_cmc) == 20));
 
 constexpr uint64_t round8(uint64_t size)
 {
@@ -48,12 +46,13 @@ class region_cursor {
     uint8_t *next_;
 };
 
-uint64_t context_size(uint32_t cells)
+constexpr uint64_t context_size(uint32_t cells)
 {
     return round8(sizeof(isp_context)) + cmc_region_size + sizeof(rgbs_grid_desc) + round8(rgbs_cell_size * cells) +
            sizeof(af_grid_desc) + 2 * round8(sizeof(uint32_t) * uint64_t{cells}) + key_region_size +
            round8(AIC_RECORD_SIZE);
 }
+static_assert(sizeof(void *) != 4 || (context_size(0) == 35600 && context_size(15) == 35808));
 
 void lay_out(isp_context *context, uint32_t cells)
 {

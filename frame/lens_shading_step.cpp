@@ -20,7 +20,7 @@ uint8_t compute_tables(const frame_run &run, aic_lens_shading &block)
 {
     uint8_t enable = 1;
     float factors[4] = {1.0f, 1.0f, 1.0f, 1.0f};
-    if (run.sensor != nullptr && run.input.colour != nullptr)
+    if (run.has_black_levels())
         compute_isp_lsc_saturation_compensation(run.input.colour->black_level, run.sensor->bit_depth, factors);
     auto next_free = reinterpret_cast<uintptr_t>(block.entries);
     float cell_size = 0;

@@ -1,5 +1,6 @@
 // The frame run: one list of steps in record order.
 #include <algorithm>
+#include <cmath>
 
 #include "frame/aic_layout.h"
 #include "frame/frame_run.h"
@@ -13,12 +14,13 @@
 namespace qz {
 namespace {
 
-// 256 = unity; the hardware's gain scale has 16 bits.
+// 256 = unity; the hardware's gain scale has 16 bits, so that the gain is taken modulo 2^16, whatever its size.
 uint16_t current_gain(const isp_exposure *exposure)
 {
     if (exposure == nullptr || !(exposure->analog_gain >= 1.0f && exposure->digital_gain >= 1.0f))
         return 256;
-    return static_cast<uint16_t>(truncate_to_u32(exposure->digital_gain * exposure->analog_gain * 256.0f));
+    const float gain = exposure->digital_gain * exposure->analog_gain * 256.0f;
+    return static_cast<uint16_t>(truncate_to_u32(std::fmod(gain, 65536.0f)));
 }
 
 float saturation_factor(const isp_input_params &input)
@@ -32,13 +34,6 @@ float saturation_factor(const isp_input_params &input)
     if ((input.effects & ISP_EFFECT_VIVID) != 0)
         factor *= 1.5f;
     return factor;
-}
-
-// Null unless the sensor's bit depth can be worked with.
-const isp_sensor_description *usable_sensor(const isp_cmc *cmc)
-{
-    const isp_sensor_description *sensor = cmc != nullptr ? cmc->sensor_description : nullptr;
-    return sensor != nullptr && sensor->bit_depth >= 1 && sensor->bit_depth <= 31 ? sensor : nullptr;
 }
 
 void add_control_records(const makernote &mkn, const isp_input_params &input)
@@ -116,7 +111,7 @@ uint32_t qz_isp_2_7_run(isp_context *context, const isp_input_params *input, isp
     const qz::frame_run run = {
         .input = *input,
         .tuning = tuning,
-        .sensor = qz::usable_sensor(context->cmc),
+        .sensor = context->cmc != nullptr ? context->cmc->sensor_description : nullptr,
         .record = *context->aic_output,
         .mkn = qz::makernote(context->makernote),
         .gain = qz::current_gain(input->exposure),

@@ -11,9 +11,6 @@
 namespace qz {
 namespace {
 
-static_assert(sizeof(isp_stats_cell) == 32);
-static_assert(sizeof(void *) != 4 || sizeof(isp_stats) == 44);
-
 // Shifts that bring a cell's sums to 8 bits.
 struct cell_scale {
     uint32_t samples_shift; // 2^samples_shift samples in a cell

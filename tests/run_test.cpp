@@ -268,9 +268,10 @@ TEST(run, lens_shading_grows_the_record_and_survives_a_failed_frame)
     EXPECT_EQ(block.table[3], start + 4976 + 3 * 2 * 567);
     EXPECT_EQ(block.entries[4 * 567 - 1], 256);
 
-    // 129 x 97 entries do not fit; cells of 16 come from a small sensor.
+    // 129 x 97 entries do not fit; cells of 16 come from a small sensor, whatever its bit depth.
     isp_sensor_description &sensor = *one.context->cmc->sensor_description;
     sensor.width = 10;
+    sensor.bit_depth = 0;
     shaded.frame.size = {{}, 4096, 3072};
     one.run(shaded.input);
     EXPECT_EQ(block.enable, 0u);
@@ -297,7 +298,8 @@ TEST(run, current_gain_needs_both_gains_and_wraps)
     EXPECT_EQ(gain_at(0.5f, 8.0f), 256);
     EXPECT_EQ(gain_at(8.0f, 0.99f), 256);
     EXPECT_EQ(gain_at(1.999f, 1.0f), 511);
-    EXPECT_EQ(gain_at(16.0f, 16.25f), 1024); // 66560 modulo 65536
+    EXPECT_EQ(gain_at(16.0f, 16.25f), 1024);           // 66560 modulo 65536
+    EXPECT_EQ(gain_at(4096.0f, 0x1.000002p13f), 1024); // 2^33 + 1024
     EXPECT_EQ(gain_at(std::numeric_limits<float>::quiet_NaN(), 1.0f), 256);
 }
 
