@@ -14,7 +14,7 @@ namespace qz {
 struct frame_run {
     const isp_input_params &input;
     const isp_tuning_set &tuning;         // the frame's selection
-    const isp_sensor_description *sensor; // null when missing
+    const isp_sensor_description *sensor; // null when missing or not usable
     aic_record &record;
     makernote mkn;
     uint16_t gain;    // current gain, 256 = unity
@@ -23,12 +23,7 @@ struct frame_run {
     bool nr_on() const { return input.nr_mode != 0; }
     bool bayer_nr_on() const { return input.nr_mode >= 2; }
     bool edge_on() const { return input.edge_mode != 0; }
-
-    // Black levels stand for a fraction of full scale only with a bit depth that has one.
-    bool has_black_levels() const
-    {
-        return input.colour != nullptr && sensor != nullptr && sensor->bit_depth >= 1 && sensor->bit_depth <= 31;
-    }
+    bool has_black_levels() const { return input.colour != nullptr && sensor != nullptr; }
 };
 
 // color_steps.cpp

@@ -36,6 +36,13 @@ float saturation_factor(const isp_input_params &input)
     return factor;
 }
 
+// Null unless the sensor's bit depth can be worked with: a description that is not usable counts as missing.
+const isp_sensor_description *usable_sensor(const isp_cmc *cmc)
+{
+    const isp_sensor_description *sensor = cmc != nullptr ? cmc->sensor_description : nullptr;
+    return sensor != nullptr && sensor->bit_depth >= 1 && sensor->bit_depth <= 31 ? sensor : nullptr;
+}
+
 void add_control_records(const makernote &mkn, const isp_input_params &input)
 {
     const int8_t controls[9] = {
@@ -111,7 +118,7 @@ uint32_t qz_isp_2_7_run(isp_context *context, const isp_input_params *input, isp
     const qz::frame_run run = {
         .input = *input,
         .tuning = tuning,
-        .sensor = context->cmc != nullptr ? context->cmc->sensor_description : nullptr,
+        .sensor = qz::usable_sensor(context->cmc),
         .record = *context->aic_output,
         .mkn = qz::makernote(context->makernote),
         .gain = qz::current_gain(input->exposure),
