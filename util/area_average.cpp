@@ -32,10 +32,7 @@ struct axis {
     float step;
     float limit;
 
-    float end(uint32_t count) const
-    {
-        return std::min(static_cast<float>(count) * step, limit);
-    }
+    float end(uint32_t count) const { return std::min(static_cast<float>(count) * step, limit); }
 
     span span_of(uint32_t index) const
     {

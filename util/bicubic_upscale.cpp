@@ -12,10 +12,7 @@ namespace {
 struct scaled_axis {
     float scale;
 
-    [[gnu::always_inline]] float position(uint32_t index) const
-    {
-        return static_cast<float>(index) * scale;
-    }
+    [[gnu::always_inline]] float position(uint32_t index) const { return static_cast<float>(index) * scale; }
 };
 
 struct upscale_job {

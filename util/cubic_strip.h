@@ -46,10 +46,7 @@ struct cubic_strip {
     Real b2[width];
     Real b3[width];
 
-    uint32_t padded() const
-    {
-        return (columns + block - 1) / block * block;
-    }
+    uint32_t padded() const { return (columns + block - 1) / block * block; }
 };
 
 inline constexpr uint32_t no_row = UINT32_MAX;

@@ -24,24 +24,15 @@ float corner(const float *sample, ptrdiff_t inwards_across, ptrdiff_t inwards_do
 float extrapolated(const float *sample, ptrdiff_t stride, uint32_t mode)
 {
     switch (mode) {
-    case top:
-        return beyond(sample, stride);
-    case bottom:
-        return beyond(sample, -stride);
-    case left:
-        return beyond(sample, 1);
-    case right:
-        return beyond(sample, -1);
-    case top_left:
-        return corner(sample, 1, stride);
-    case top_right:
-        return corner(sample, -1, stride);
-    case bottom_left:
-        return corner(sample, 1, -stride);
-    case bottom_right:
-        return corner(sample, -1, -stride);
-    default:
-        return 0.0f;
+    case top: return beyond(sample, stride);
+    case bottom: return beyond(sample, -stride);
+    case left: return beyond(sample, 1);
+    case right: return beyond(sample, -1);
+    case top_left: return corner(sample, 1, stride);
+    case top_right: return corner(sample, -1, stride);
+    case bottom_left: return corner(sample, 1, -stride);
+    case bottom_right: return corner(sample, -1, -stride);
+    default: return 0.0f;
     }
 }
 

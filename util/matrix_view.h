@@ -20,10 +20,7 @@ struct matrix_view {
                                              static_cast<size_t>(column) * static_cast<size_t>(column_stride));
     }
 
-    matrix_view transposed() const
-    {
-        return {data, column_stride, row_stride};
-    }
+    matrix_view transposed() const { return {data, column_stride, row_stride}; }
 };
 
 using source_view = matrix_view<const unsigned char>;

@@ -14,10 +14,7 @@ class fixed_point_rule {
     {}
 
     // Source index of output position k, counted from 0. The step is rounded up, so far positions overshoot.
-    uint32_t operator()(uint32_t k) const
-    {
-        return static_cast<uint32_t>(std::min(k * step_ >> 16, last_));
-    }
+    uint32_t operator()(uint32_t k) const { return static_cast<uint32_t>(std::min(k * step_ >> 16, last_)); }
 
   private:
     uint64_t step_; // 16 fraction bits

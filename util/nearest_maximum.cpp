@@ -96,10 +96,7 @@ class tile {
         }
     }
 
-    size_t count() const
-    {
-        return count_;
-    }
+    size_t count() const { return count_; }
 
     void row(const int32_t *src, size_t stride, size_t rows, int32_t *dst)
     {
@@ -124,12 +121,12 @@ class tile {
     }
 
   private:
+    alignas(64) std::array<int32_t, most_sources + 1> peaks_;
+    std::array<span, most_outputs> blocks_; // places of the first and the last window; a 0 for an empty block
     size_t first_;
     size_t count_ = 0;
     span columns_;
     uint32_t shortest_ = most_sources, longest_ = 0; // block widths, empty ones left out
-    std::array<span, most_outputs> blocks_;          // places of the first and the last window; a 0 for an empty block
-    std::array<int32_t, most_sources + 1> peaks_;
 };
 
 } // namespace
@@ -140,11 +137,10 @@ void block_maxima(const int32_t *src, int32_t *dst, const scaling &size)
     const axis down(size.src_height, size.dst_height);
     for (size_t first = 0; first < size.dst_width;) {
         tile outputs(across, first, size.dst_width);
-        int32_t *out = dst;
-        for (size_t r = 0; r < size.dst_height; ++r, out += size.dst_width) {
+        for (size_t r = 0; r < size.dst_height; ++r) {
             const span rows = down[r];
             outputs.row(src + static_cast<size_t>(rows.begin) * size.src_width, size.src_width, rows.end - rows.begin,
-                        out);
+                        dst + r * size.dst_width);
         }
         first += outputs.count();
     }

@@ -2,41 +2,40 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
+
+#include "util/row_picker.h"
 
 namespace qz {
 
-// Works on blocks of columns, whose source indices are kept. An output row with the source row of the one before it is
-// a copy of that.
+// An output row with the source row of the one before it is a copy of that.
 template <typename T, typename Rule>
 void pick_nearest(const T *src, int32_t src_width, int32_t src_height, T *dst, int32_t dst_width, int32_t dst_height)
 {
-    constexpr size_t block = 2048;
+    using picker = row_picker<std::make_unsigned_t<T>>;
     const Rule across(src_width, dst_width);
     const Rule down(src_height, dst_height);
+    const auto in_width = static_cast<size_t>(src_width);
     const auto width = static_cast<size_t>(dst_width);
-    std::array<uint32_t, block> columns;
+    const size_t elements = in_width * static_cast<size_t>(src_height);
 
-    for (size_t begin = 0; begin < width; begin += block) {
-        const size_t count = std::min(block, width - begin);
-        for (size_t i = 0; i < count; ++i)
-            columns[i] = across(static_cast<uint32_t>(begin + i));
-
-        T *out = dst + begin;
+    for (size_t begin = 0; begin < width; begin += picker::most) {
+        const size_t count = std::min(picker::most, width - begin);
+        const picker columns(count, [&](size_t i) { return across(static_cast<uint32_t>(begin + i)); });
         uint32_t row_before = UINT32_MAX;
-        for (uint32_t r = 0; r < static_cast<uint32_t>(dst_height); ++r, out += width) {
-            const uint32_t row = down(r);
-            const T *in = src + static_cast<size_t>(row) * static_cast<size_t>(src_width);
-            if (row == row_before) {
+        uint32_t row = down(0);
+        for (uint32_t r = 0; r < static_cast<uint32_t>(dst_height); ++r) {
+            T *out = dst + r * width + begin;
+            const uint32_t next_row = down(r + 1);
+            if (row == row_before)
                 memcpy(out, out - width, count * sizeof(T));
-            } else {
-                for (size_t i = 0; i < count; ++i)
-                    out[i] = in[columns[i]];
-            }
+            else
+                columns.pick(src + row * in_width, elements - row * in_width, src + next_row * in_width, out);
             row_before = row;
+            row = next_row;
         }
     }
 }

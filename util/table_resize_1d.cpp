@@ -1,11 +1,12 @@
 #include <algorithm>
+#include <array>
 #include <bit>
-#include <cstddef>
 #include <cstdint>
 
 #include "qz_isp/error.h"
 #include "qz_isp/table_resize.h"
 #include "util/float_to_int.h"
+#include "util/multiversion.h"
 #include "util/table_axis.h"
 
 namespace {
@@ -17,7 +18,7 @@ constexpr uint32_t half = axis::one / 2;
 // The low 16 bits of the value in units of 1/256.
 uint32_t fixed_point(float value)
 {
-    return static_cast<uint16_t>(qz::truncate_to_i32(value * 256.0f));
+    return qz::truncate_to_low_16(value * 256.0f);
 }
 
 uint16_t scaled(uint32_t value, uint32_t scale)
@@ -25,7 +26,7 @@ uint16_t scaled(uint32_t value, uint32_t scale)
     return static_cast<uint16_t>(scale != 0 ? (value * scale + half) >> 10 : value);
 }
 
-// 1/256 of 1/1024, less a last bit or so: results are to match those of a constant written in decimal.
+// 3.81469e-6, on purpose a little less than 2^-18 = 1/256 of 1/1024.
 constexpr float per_mixed_unit = std::bit_cast<float>(0x367FFFE0u);
 constexpr float per_unit = 1.0f / 256.0f;
 
@@ -36,16 +37,40 @@ uint32_t interpolate(const uint16_t *src, const qz::fixed_neighbours &n)
     return (left * n.left_weight + right * n.right_weight + half) >> 10;
 }
 
-// Calls produce(neighbours) for every output point but the last, and produce_last() for that one, which is the last
-// source point wherever the truncated step leads.
-template <typename T, typename Produce>
-void fill(T *dst, int32_t src_count, int32_t dst_count, Produce produce)
+// Fills dst with output_at(neighbours). The last output is the last source point, wherever the truncated step leads.
+template <typename OutputAt>
+void fill(float *dst, int32_t src_count, int32_t dst_count, OutputAt output_at)
 {
     const axis along(src_count, dst_count);
-    uint32_t position = 0;
-    for (ptrdiff_t i = 0; i < dst_count - 1; ++i, position += along.step)
-        dst[i] = produce(axis::at(position));
-    dst[dst_count - 1] = produce({static_cast<uint32_t>(src_count - 2), 0, axis::one});
+    const auto last = static_cast<uint32_t>(dst_count - 1);
+    for (uint32_t i = 0; i < last; ++i)
+        dst[i] = output_at(axis::at(i * along.step));
+    dst[last] = output_at({static_cast<uint32_t>(src_count - 2), 0, axis::one});
+}
+
+constexpr uint32_t block = 512; // outputs at a time
+
+QZ_MULTIVERSION void blend(const float *left, const float *right, uint32_t position, uint32_t step, uint32_t scale,
+                           uint32_t count, uint16_t *__restrict dst)
+{
+    for (uint32_t i = 0; i < count; ++i, position += step) {
+        const uint32_t right_weight = position & (axis::one - 1);
+        const uint32_t sum = fixed_point(left[i]) * (axis::one - right_weight) + fixed_point(right[i]) * right_weight;
+        dst[i] = scaled((sum + half) >> 10, scale);
+    }
+}
+
+// Here a position on a source point takes that point as the left neighbour. Only the last source point has none behind
+// it, and that position is not asked for.
+void resample(const float *src, uint32_t first_position, uint32_t step, uint32_t scale, uint32_t count, uint16_t *dst)
+{
+    std::array<float, block> left, right;
+    uint32_t position = first_position;
+    for (uint32_t i = 0; i < count; ++i, position += step) {
+        left[i] = src[position >> 10];
+        right[i] = src[(position >> 10) + 1];
+    }
+    blend(left.data(), right.data(), first_position, step, scale, count, dst);
 }
 
 } // namespace
@@ -56,17 +81,11 @@ uint32_t isp_resize_1d_array_uint16(const float *src, int32_t src_count, uint32_
     if (src == nullptr || dst == nullptr || !axis::accepts(src_count, dst_count))
         return ISP_INVALID_ARGUMENT;
 
-    // Here a position on a source point takes that point as the left neighbour. Only the last one has none behind it,
-    // and it is not interpolated.
-    const axis along(src_count, dst_count);
-    uint32_t position = 0;
-    for (ptrdiff_t i = 0; i < dst_count - 1; ++i, position += along.step) {
-        const float *left = src + (position >> 10);
-        const uint32_t right_weight = position & (axis::one - 1);
-        const uint32_t sum = fixed_point(left[0]) * (axis::one - right_weight) + fixed_point(left[1]) * right_weight;
-        dst[i] = scaled((sum + half) >> 10, scale);
-    }
-    dst[dst_count - 1] = scaled(fixed_point(src[src_count - 1]), scale);
+    const uint32_t step = axis(src_count, dst_count).step;
+    const auto last = static_cast<uint32_t>(dst_count - 1);
+    for (uint32_t first = 0; first < last; first += block)
+        resample(src, first * step, step, scale, std::min(block, last - first), dst + first);
+    dst[last] = scaled(fixed_point(src[src_count - 1]), scale);
     return ISP_SUCCESS;
 }
 

@@ -1,56 +1,126 @@
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
 #include "qz_isp/error.h"
 #include "qz_isp/table_resize.h"
-#include "util/float_to_int.h"
+#include "util/multiversion.h"
+#include "util/row_pair.h"
+#include "util/row_picker.h"
 #include "util/table_axis.h"
 
 namespace {
 
-template <int fraction_bits, typename T>
+// What each element type takes for picked elements and weights, and for the weighted sum of two neighbours.
+template <typename T>
+struct member;
+template <>
+struct member<uint8_t> {
+    static constexpr int fraction_bits = 8;
+    using lane = uint16_t;
+    using sum = uint16_t; // at most 255 * 256
+};
+template <>
+struct member<uint16_t> {
+    static constexpr int fraction_bits = 8;
+    using lane = uint16_t;
+    using sum = uint32_t;
+};
+template <>
+struct member<uint32_t> {
+    static constexpr int fraction_bits = 12;
+    using lane = uint32_t;
+    using sum = uint32_t; // wraps
+};
+
+template <typename T>
+using axis_of = qz::fixed_axis<member<T>::fraction_bits>;
+template <typename T>
+using lane_of = typename member<T>::lane;
+template <typename T>
+using sum_of = typename member<T>::sum;
+template <typename T>
+using picker_of = qz::row_picker<lane_of<T>>;
+
+template <typename T>
+QZ_MULTIVERSION void weigh_columns(const lane_of<T> *left, const lane_of<T> *right, const lane_of<T> *right_weight,
+                                   size_t count, sum_of<T> *__restrict sums)
+{
+    for (size_t i = 0; i < count; ++i)
+        sums[i] = static_cast<sum_of<T>>(left[i] * (axis_of<T>::one - right_weight[i]) +
+                                         static_cast<uint32_t>(right[i]) * right_weight[i]);
+}
+
+template <typename T>
+QZ_MULTIVERSION void blend_rows(const sum_of<T> *above, const sum_of<T> *below, const qz::fixed_neighbours &n,
+                                size_t count, T *__restrict out)
+{
+    constexpr int shift = 2 * member<T>::fraction_bits;
+    constexpr uint32_t half = 1u << (shift - 1);
+    for (size_t i = 0; i < count; ++i)
+        out[i] = static_cast<T>((above[i] * n.left_weight + below[i] * n.right_weight + half) >> shift);
+}
+
+template <typename T>
+struct table {
+    const T *src;
+    size_t src_width;
+    size_t src_elements;
+    uint32_t step_x;
+    T *dst;
+    size_t dst_width;
+    uint32_t dst_height;
+    uint32_t step_y;
+};
+
+template <typename T>
+void resize_columns(const table<T> &t, size_t first, size_t count)
+{
+    constexpr size_t most = picker_of<T>::most;
+    struct row {
+        alignas(64) std::array<sum_of<T>, most> sums;
+    };
+    alignas(64) std::array<lane_of<T>, most> left, right, right_weight;
+    qz::row_pair<row> rows;
+
+    const picker_of<T> columns(count, [&](size_t i) {
+        const auto n = axis_of<T>::at(static_cast<uint32_t>(first + i) * t.step_x);
+        right_weight[i] = static_cast<lane_of<T>>(n.right_weight);
+        return n.left;
+    });
+
+    for (uint32_t r = 0; r < t.dst_height; ++r) {
+        const auto n = axis_of<T>::at(r * t.step_y);
+        rows.move_to(n.left, n.left + 1, [&](size_t index, row &made) {
+            const size_t begin = index * t.src_width;
+            columns.pick_pairs(t.src + begin, t.src_elements - begin, left.data(), right.data());
+            weigh_columns<T>(left.data(), right.data(), right_weight.data(), count, made.sums.data());
+        });
+        blend_rows(rows.above().sums.data(), rows.below().sums.data(), n, count, t.dst + r * t.dst_width + first);
+    }
+}
+
+template <typename T>
 uint32_t resize(const T *src, int32_t src_width, int32_t src_height, T *dst, int32_t dst_width, int32_t dst_height)
 {
-    using axis = qz::fixed_axis<fraction_bits>;
+    using axis = axis_of<T>;
     if (!axis::accepts(src_width, dst_width) || !axis::accepts(src_height, dst_height))
         return ISP_INVALID_ARGUMENT;
 
-    const axis across(src_width, dst_width);
-    const axis down(src_height, dst_height);
-    uint32_t y = 0;
-    for (int32_t row = 0; row < dst_height; ++row, y += down.step) {
-        const qz::fixed_neighbours v = axis::at(y);
-        const T *top = src + static_cast<size_t>(v.left) * static_cast<size_t>(src_width);
-        const T *bottom = top + src_width;
-        uint32_t x = 0;
-        for (int32_t column = 0; column < dst_width; ++column, x += across.step) {
-            const qz::fixed_neighbours h = axis::at(x);
-            const uint32_t upper = top[h.left] * h.left_weight + top[h.left + 1] * h.right_weight;
-            const uint32_t lower = bottom[h.left] * h.left_weight + bottom[h.left + 1] * h.right_weight;
-            const uint32_t sum = upper * v.left_weight + lower * v.right_weight;
-            *dst++ = static_cast<T>((sum + (1u << (2 * fraction_bits - 1))) >> (2 * fraction_bits));
-        }
-    }
+    const auto in_width = static_cast<size_t>(src_width);
+    const auto width = static_cast<size_t>(dst_width);
+    const table<T> t = {.src = src,
+                        .src_width = in_width,
+                        .src_elements = in_width * static_cast<size_t>(src_height),
+                        .step_x = axis(src_width, dst_width).step,
+                        .dst = dst,
+                        .dst_width = width,
+                        .dst_height = static_cast<uint32_t>(dst_height),
+                        .step_y = axis(src_height, dst_height).step};
+    for (size_t first = 0; first < width; first += picker_of<T>::most)
+        resize_columns(t, first, std::min(picker_of<T>::most, width - first));
     return ISP_SUCCESS;
-}
-
-struct float_neighbours {
-    int32_t left;
-    int32_t right;
-    float right_weight;
-};
-
-float_neighbours float_neighbours_at(float position, int32_t src_count)
-{
-    // Only positions of tables with more than 65536 rows lose bits here, and their weights grow accordingly.
-    const int32_t left = static_cast<uint16_t>(qz::truncate_to_i32(position));
-    const int32_t right = left < src_count - 1 ? left + 1 : left;
-    return {left, right, position - static_cast<float>(left)};
-}
-
-float float_step(int32_t src_count, int32_t dst_count)
-{
-    return static_cast<float>(src_count - 1) / static_cast<float>(dst_count - 1);
 }
 
 } // namespace
@@ -58,43 +128,17 @@ float float_step(int32_t src_count, int32_t dst_count)
 uint32_t resize_2d_array_uint8(const uint8_t *src, int32_t src_width, int32_t src_height, uint8_t *dst,
                                int32_t dst_width, int32_t dst_height)
 {
-    return resize<8>(src, src_width, src_height, dst, dst_width, dst_height);
+    return resize(src, src_width, src_height, dst, dst_width, dst_height);
 }
 
 uint32_t resize_2d_array_uint16(const uint16_t *src, int32_t src_width, int32_t src_height, uint16_t *dst,
                                 int32_t dst_width, int32_t dst_height)
 {
-    return resize<8>(src, src_width, src_height, dst, dst_width, dst_height);
+    return resize(src, src_width, src_height, dst, dst_width, dst_height);
 }
 
 uint32_t resize_2d_array_uint32(const uint32_t *src, int32_t src_width, int32_t src_height, uint32_t *dst,
                                 int32_t dst_width, int32_t dst_height)
 {
-    return resize<12>(src, src_width, src_height, dst, dst_width, dst_height);
-}
-
-uint32_t resize_2d_array_float(const float *src, uint16_t src_width, int32_t src_height, float *dst, uint16_t dst_width,
-                               int32_t dst_height)
-{
-    if (src_width < 2 || src_height < 2 || dst_width < 2 || dst_height < 2)
-        return ISP_INVALID_ARGUMENT;
-
-    const float step_x = float_step(src_width, dst_width);
-    const float step_y = float_step(src_height, dst_height);
-    for (int32_t row = 0; row < dst_height; ++row) {
-        const float_neighbours v = float_neighbours_at(static_cast<float>(row) * step_y, src_height);
-        const float *top = src + static_cast<size_t>(v.left) * src_width;
-        const float *bottom = src + static_cast<size_t>(v.right) * src_width;
-        const float dy = v.right_weight;
-        const float top_weight = 1.0f - dy;
-        for (int32_t column = 0; column < dst_width; ++column) {
-            const float_neighbours h = float_neighbours_at(static_cast<float>(column) * step_x, src_width);
-            const float dx = h.right_weight;
-            const float left_weight = 1.0f - dx;
-            float sum = top[h.left] * left_weight * top_weight + top[h.right] * dx * top_weight;
-            sum = left_weight * bottom[h.left] * dy + sum;
-            *dst++ = dx * bottom[h.right] * dy + sum;
-        }
-    }
-    return ISP_SUCCESS;
+    return resize(src, src_width, src_height, dst, dst_width, dst_height);
 }
