@@ -10,6 +10,11 @@ namespace {
 
 constexpr bool wide = sizeof(void *) != 4;
 
+constexpr size_t word(size_t index)
+{
+    return index * 4;
+}
+
 #define QZ_SIZE(type, size) static_assert(wide || sizeof(type) == (size))
 #define QZ_OFFSET(type, field, offset) static_assert(wide || offsetof(type, field) == (offset))
 
@@ -62,36 +67,36 @@ QZ_SIZE(af_grid_desc, 16);
 QZ_OFFSET(af_grid_desc, block_width, 4);
 QZ_OFFSET(af_grid_desc, filter_1, 8);
 
-QZ_SIZE(isp_input_params, 17 * 4);
-QZ_OFFSET(isp_input_params, frame, 1 * 4);
-QZ_OFFSET(isp_input_params, exposure, 2 * 4);
-QZ_OFFSET(isp_input_params, scene, 3 * 4);
-QZ_OFFSET(isp_input_params, gamma, 4 * 4);
-QZ_OFFSET(isp_input_params, colour, 5 * 4);
-QZ_OFFSET(isp_input_params, lsc, 6 * 4);
-QZ_OFFSET(isp_input_params, gamma_257, 7 * 4);
-QZ_OFFSET(isp_input_params, nr_mode, 8 * 4);
-QZ_OFFSET(isp_input_params, nr_strength, 9 * 4);
-QZ_OFFSET(isp_input_params, edge_mode, 10 * 4);
-QZ_OFFSET(isp_input_params, sharpness, 11 * 4);
-QZ_OFFSET(isp_input_params, brightness, 12 * 4);
-QZ_OFFSET(isp_input_params, saturation, 12 * 4 + 3);
-QZ_OFFSET(isp_input_params, effects, 13 * 4);
-QZ_OFFSET(isp_input_params, block9_control, 14 * 4);
-QZ_OFFSET(isp_input_params, aux_size, 15 * 4);
-QZ_OFFSET(isp_input_params, selection_list, 16 * 4);
+QZ_SIZE(isp_input_params, word(17));
+QZ_OFFSET(isp_input_params, frame, word(1));
+QZ_OFFSET(isp_input_params, exposure, word(2));
+QZ_OFFSET(isp_input_params, scene, word(3));
+QZ_OFFSET(isp_input_params, gamma, word(4));
+QZ_OFFSET(isp_input_params, colour, word(5));
+QZ_OFFSET(isp_input_params, lsc, word(6));
+QZ_OFFSET(isp_input_params, gamma_257, word(7));
+QZ_OFFSET(isp_input_params, nr_mode, word(8));
+QZ_OFFSET(isp_input_params, nr_strength, word(9));
+QZ_OFFSET(isp_input_params, edge_mode, word(10));
+QZ_OFFSET(isp_input_params, sharpness, word(11));
+QZ_OFFSET(isp_input_params, brightness, word(12));
+QZ_OFFSET(isp_input_params, saturation, word(12) + 3);
+QZ_OFFSET(isp_input_params, effects, word(13));
+QZ_OFFSET(isp_input_params, block9_control, word(14));
+QZ_OFFSET(isp_input_params, aux_size, word(15));
+QZ_OFFSET(isp_input_params, selection_list, word(16));
 QZ_SIZE(isp_output_desc, 8);
 QZ_SIZE(isp_geometry, 8);
 QZ_SIZE(isp_frame_desc, 12);
 QZ_OFFSET(isp_frame_desc, horizontal_numerator, 8);
-QZ_OFFSET(isp_exposure, analog_gain, 1 * 4);
-QZ_OFFSET(isp_exposure, digital_gain, 2 * 4);
-QZ_OFFSET(isp_scene_params, macc_target, 4 * 4);
-QZ_OFFSET(isp_scene_params, saturation_decrement, 5 * 4);
-QZ_OFFSET(isp_colour_params, black_level, 9 * 4);
-QZ_OFFSET(isp_colour_params, white_balance_gain, 13 * 4);
-QZ_OFFSET(isp_colour_params, saturation, 22 * 4);
-QZ_OFFSET(isp_colour_params, gamma_parameter, 23 * 4);
+QZ_OFFSET(isp_exposure, analog_gain, word(1));
+QZ_OFFSET(isp_exposure, digital_gain, word(2));
+QZ_OFFSET(isp_scene_params, macc_target, word(4));
+QZ_OFFSET(isp_scene_params, saturation_decrement, word(5));
+QZ_OFFSET(isp_colour_params, black_level, word(9));
+QZ_OFFSET(isp_colour_params, white_balance_gain, word(13));
+QZ_OFFSET(isp_colour_params, saturation, word(22));
+QZ_OFFSET(isp_colour_params, gamma_parameter, word(23));
 QZ_OFFSET(isp_gamma_params, point_count, 12);
 QZ_OFFSET(isp_lsc_params, width, 16);
 QZ_OFFSET(isp_lsc_params, height, 18);
