@@ -23,7 +23,7 @@ AIC_BLOCKS(QZ_BLOCK_HEADER)
 // The lens shading block is the only one that goes beyond its header's size: its tables follow.
 #define QZ_CHECK_BLOCK(name, block_id, block_size, block_offset)                                                       \
     static_assert(offsetof(aic_record, name) == (block_offset));                                                       \
-    static_assert((block_id) == 28 || sizeof(aic_##name##_block) == ((block_size) + 7) / 8 * 8);
+    static_assert((block_id) == 28 || sizeof(aic_##name##_block) == (size_t{block_size} + 7) / 8 * 8);
 AIC_BLOCKS(QZ_CHECK_BLOCK)
 #undef QZ_CHECK_BLOCK
 
