@@ -9,8 +9,6 @@
 #include <type_traits>
 #include <vector>
 
-#include "json.h"
-
 namespace qz::tool {
 
 enum class element : uint8_t { u8, i8, u16, i16, u32, i32, f32 };
@@ -27,14 +25,14 @@ struct field {
 template <typename T>
 consteval element element_of()
 {
-    if constexpr (std::is_floating_point_v<T>)
+    if (std::is_floating_point_v<T>)
         return element::f32;
-    else if constexpr (sizeof(T) == 1)
-        return std::is_signed_v<T> ? element::i8 : element::u8;
-    else if constexpr (sizeof(T) == 2)
-        return std::is_signed_v<T> ? element::i16 : element::u16;
-    else
-        return std::is_signed_v<T> ? element::i32 : element::u32;
+    constexpr bool negative = std::is_signed_v<T>;
+    switch (sizeof(T)) {
+    case 1: return negative ? element::i8 : element::u8;
+    case 2: return negative ? element::i16 : element::u16;
+    default: return negative ? element::i32 : element::u32;
+    }
 }
 
 template <typename Member>
@@ -59,14 +57,25 @@ consteval field with_type(field described, element type)
 
 size_t element_size(element type);
 
+// Calls visitor with a value of the element's C type.
+template <typename Visitor>
+auto visit_type(element type, Visitor visitor)
+{
+    switch (type) {
+    case element::u8: return visitor(uint8_t{});
+    case element::i8: return visitor(int8_t{});
+    case element::u16: return visitor(uint16_t{});
+    case element::i16: return visitor(int16_t{});
+    case element::i32: return visitor(int32_t{});
+    case element::f32: return visitor(float{});
+    case element::u32:
+    default: return visitor(uint32_t{});
+    }
+}
+
 // Unsigned 32-bit elements come out positive, signed ones negative where they are.
 int64_t integer_at(const field &described, const void *base, size_t index);
 double number_at(const field &described, const void *base, size_t index);
-
-// Reads the members of an object into a struct; those that are absent stay as they are. Names outside the description
-// are the caller's to refuse.
-void read_fields(const json_node &object, std::span<const field> fields, void *base);
-void write_fields(json &object, std::span<const field> fields, const void *base);
 
 std::vector<std::string_view> field_names(std::span<const field> fields);
 

@@ -5,6 +5,9 @@
 #include <cstring>
 #include <memory>
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
 #include "error.h"
 
 namespace qz::tool {
@@ -61,6 +64,11 @@ void write_file(const std::string &file, byte_view bytes)
 void write_text(const std::string &file, std::string_view text)
 {
     write_file(file, {reinterpret_cast<const uint8_t *>(text.data()), text.size()});
+}
+
+std::string hex_text(byte_view bytes)
+{
+    return fmt::format("{:02x}", fmt::join(bytes, ""));
 }
 
 } // namespace qz::tool

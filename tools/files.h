@@ -19,4 +19,7 @@ byte_buffer read_file(const std::string &file);
 void write_file(const std::string &file, byte_view bytes);
 void write_text(const std::string &file, std::string_view text);
 
+// Two digits a byte.
+std::string hex_text(byte_view bytes);
+
 } // namespace qz::tool

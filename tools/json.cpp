@@ -1,7 +1,9 @@
 #include "json.h"
 
 #include <algorithm>
+#include <cfloat>
 #include <charconv>
+#include <nlohmann/json.hpp>
 #include <set>
 
 #include <fmt/format.h>
@@ -67,9 +69,33 @@ json parse_json(const std::string &file, std::string_view text)
     }
 }
 
-json_node::json_node(const json &document, std::string file, std::string path)
-    : value_(&document), file_(std::move(file)), path_(std::move(path))
+json_node::json_node(std::shared_ptr<const json> document, std::string file)
+    : document_(std::move(document)), value_(document_.get()), file_(std::move(file))
 {}
+
+json_node::json_node(std::shared_ptr<const json> document, const json *value, std::string file, std::string path)
+    : document_(std::move(document)), value_(value), file_(std::move(file)), path_(std::move(path))
+{}
+
+json_node read_document(const std::string &file, std::string_view text)
+{
+    return {std::make_shared<const json>(parse_json(file, text)), file};
+}
+
+bool json_node::is_null() const
+{
+    return value_->is_null();
+}
+
+bool json_node::is_number() const
+{
+    return value_->is_number();
+}
+
+bool json_node::is_text() const
+{
+    return value_->is_string();
+}
 
 void json_node::fail(std::string_view found, std::string_view expected) const
 {
@@ -98,7 +124,7 @@ std::optional<json_node> json_node::find(std::string_view name) const
     const auto found = value_->find(std::string(name));
     if (found == value_->end() || found->is_null())
         return std::nullopt;
-    return json_node(*found, file_, path_.empty() ? std::string(name) : fmt::format("{}.{}", path_, name));
+    return json_node(document_, &*found, file_, path_.empty() ? std::string(name) : fmt::format("{}.{}", path_, name));
 }
 
 json_node json_node::at(std::string_view name) const
@@ -116,7 +142,7 @@ std::vector<json_node> json_node::items() const
     std::vector<json_node> nodes;
     nodes.reserve(value_->size());
     for (const json &item : *value_)
-        nodes.emplace_back(item, file_, fmt::format("{}[{}]", path_, nodes.size()));
+        nodes.push_back(json_node(document_, &item, file_, fmt::format("{}[{}]", path_, nodes.size())));
     return nodes;
 }
 
@@ -141,6 +167,25 @@ double json_node::number(double low, double high) const
     if (!value_->is_number() || !(value_->get<double>() >= low) || !(value_->get<double>() <= high))
         fail_type(fmt::format("a number from {} to {}", low, high));
     return value_->get<double>();
+}
+
+float json_node::single() const
+{
+    constexpr double limit = FLT_MAX;
+    return static_cast<float>(number(-limit, limit));
+}
+
+json_node json_node::patched(const json_node &patch, const std::vector<std::string_view> &except) const
+{
+    if (!patch.value_->is_object())
+        patch.fail_type("an object");
+    json changes = *patch.value_;
+    for (const std::string_view name : except)
+        changes.erase(std::string(name));
+    auto result = std::make_shared<json>(*value_);
+    result->merge_patch(changes);
+    const json *value = result.get();
+    return {std::move(result), value, patch.file_, patch.path_};
 }
 
 bool json_node::boolean() const
@@ -177,11 +222,6 @@ byte_buffer json_node::hex(size_t size) const
     if (bytes.size() != size)
         fail(fmt::format("{} bytes", bytes.size()), fmt::format("{} bytes as hexadecimal digits", size));
     return bytes;
-}
-
-std::string hex_text(byte_view bytes)
-{
-    return fmt::format("{:02x}", fmt::join(bytes, ""));
 }
 
 } // namespace qz::tool

@@ -2,7 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <nlohmann/json.hpp>
+#include <memory>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,6 +13,7 @@
 
 namespace qz::tool {
 
+// Only the files that make or look into JSON values include all of nlohmann/json.hpp.
 using json = nlohmann::ordered_json;
 
 // Throws file_error with line and column for text that is no JSON, and for an object that has a name twice.
@@ -21,19 +23,16 @@ json parse_json(const std::string &file, std::string_view text);
 std::string json_text(const json &value);
 
 // One value of a document together with its path, such as "frames[2].exposure.analog_gain". Every accessor throws
-// file_error when the value is not what the caller expects. The document must outlive its nodes.
+// file_error when the value is not what the caller expects. A node keeps its document alive.
 class json_node {
   public:
-    json_node(const json &document, std::string file, std::string path = {});
+    json_node(std::shared_ptr<const json> document, std::string file);
 
-    const json &value() const
-    {
-        return *value_;
-    }
-    const std::string &path() const
-    {
-        return path_;
-    }
+    const std::string &path() const { return path_; }
+
+    bool is_null() const;
+    bool is_number() const;
+    bool is_text() const;
 
     // Object members; a member that is null counts as absent. "comment" is a known name everywhere.
     void expect_names(const std::vector<std::string_view> &names) const;
@@ -45,20 +44,30 @@ class json_node {
 
     int64_t integer(int64_t low, int64_t high) const;
     double number(double low, double high) const;
+    float single() const; // any number within the range of single precision
     bool boolean() const;
     std::string text() const;
     byte_buffer hex() const;
     byte_buffer hex(size_t size) const;
 
+    // This object with a merge patch applied to it: members of the patch replace or, where both are objects, change
+    // those of the same name, and null removes them. The result has the patch's path. "except" is left out of the
+    // patch.
+    json_node patched(const json_node &patch, const std::vector<std::string_view> &except) const;
+
     [[noreturn]] void fail(std::string_view found, std::string_view expected) const;
     [[noreturn]] void fail_type(std::string_view expected) const;
 
   private:
+    json_node(std::shared_ptr<const json> document, const json *value, std::string file, std::string path);
+
+    std::shared_ptr<const json> document_;
     const json *value_;
     std::string file_;
     std::string path_;
 };
 
-std::string hex_text(byte_view bytes);
+// Parses a text and gives its outermost value.
+json_node read_document(const std::string &file, std::string_view text);
 
 } // namespace qz::tool

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -78,10 +79,7 @@ class json_printer {
             print_list(value, indent);
     }
 
-    std::string take()
-    {
-        return std::move(text_);
-    }
+    std::string take() { return std::move(text_); }
 
   private:
     void new_line(size_t indent)

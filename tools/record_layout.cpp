@@ -140,6 +140,14 @@ size_t used_count(const record_snapshot &snapshot, const block_layout &block, co
     return integer_at(block.fields[0], &snapshot.record, 0) != 0 ? AIC_GAMMA_MAX_ENTRIES : AIC_GAMMA_MAX_ENTRIES - 1;
 }
 
+std::vector<int64_t> field_values(const record_snapshot &snapshot, const block_layout &block, const field &described)
+{
+    std::vector<int64_t> values(used_count(snapshot, block, described));
+    for (size_t i = 0; i < values.size(); ++i)
+        values[i] = integer_at(described, &snapshot.record, i);
+    return values;
+}
+
 bool has_shading_tables(const block_layout &block)
 {
     return block.offset == AIC_FIXED_SIZE;

@@ -38,6 +38,10 @@ bool block_present(const record_snapshot &snapshot, const block_layout &block);
 // Elements of a field that the frame uses: fewer than its count for gamma tables of 256 entries.
 size_t used_count(const record_snapshot &snapshot, const block_layout &block, const field &described);
 
+std::vector<int64_t> field_values(const record_snapshot &snapshot, const block_layout &block, const field &described);
+
+constexpr size_t shading_channels = 4;
+
 // The lens shading tables: rows x columns entries a channel, as far as they lie inside the record.
 struct shading_table {
     std::span<const uint16_t> entries;

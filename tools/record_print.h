@@ -1,17 +1,24 @@
-// A frame's record, block by block, for people and as JSON.
+// Frames and their records, block by block, for people and as JSON.
 #pragma once
 
 #include <string>
+#include <vector>
 
-#include "json.h"
 #include "record_layout.h"
 
 namespace qz::tool {
 
-// all: every value of every table; otherwise long tables show their first and last row, shading tables a map.
-std::string record_text(const record_snapshot &snapshot, bool all);
+// One frame of a scene and its record.
+struct computed_frame {
+    size_t index;
+    std::string name;
+    record_snapshot snapshot;
+};
 
-// The blocks with everything in them.
-json record_json(const record_snapshot &snapshot);
+// all: every value of every table; otherwise long tables show their first and last row, shading tables a map.
+std::string frames_text(const std::vector<computed_frame> &frames, bool all);
+
+// Everything, as a JSON text.
+std::string frames_json(const std::vector<computed_frame> &frames);
 
 } // namespace qz::tool

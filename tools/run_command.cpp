@@ -25,12 +25,6 @@ struct run_options {
     bool all = false;
 };
 
-struct computed_frame {
-    size_t index;
-    std::string name;
-    record_snapshot snapshot;
-};
-
 scene load_scene(const std::string &file)
 {
     if (file.empty())
@@ -87,28 +81,6 @@ std::vector<computed_frame> compute(const run_options &options)
             frames.push_back({i, inputs.frames[i].name, snapshot});
     }
     return frames;
-}
-
-std::string frames_text(const std::vector<computed_frame> &frames, bool all)
-{
-    std::string text;
-    for (const computed_frame &frame : frames) {
-        text += fmt::format("{}frame {}{}: {} bytes in use\n\n", text.empty() ? "" : "\n", frame.index,
-                            frame.name.empty() ? "" : fmt::format(" \"{}\"", frame.name), frame.snapshot.bytes_used);
-        text += record_text(frame.snapshot, all);
-    }
-    return text;
-}
-
-std::string frames_json(const std::vector<computed_frame> &frames)
-{
-    json list = json::array();
-    for (const computed_frame &frame : frames)
-        list.push_back({{"index", frame.index},
-                        {"name", frame.name},
-                        {"bytes_used", frame.snapshot.bytes_used},
-                        {"blocks", record_json(frame.snapshot)}});
-    return json_text({{"frames", std::move(list)}});
 }
 
 byte_buffer frames_bytes(const std::vector<computed_frame> &frames)

@@ -1,12 +1,10 @@
 #include "scene.h"
 
 #include <algorithm>
-#include <bit>
-#include <cfloat>
 
 #include <fmt/format.h>
 
-#include "fields.h"
+#include "json_fields.h"
 
 namespace qz::tool {
 
@@ -59,10 +57,8 @@ std::vector<std::string_view> joined(std::vector<std::string_view> names, std::s
 
 uint32_t read_effects(const json_node &node)
 {
-    if (node.value().is_number())
+    if (node.is_number())
         return static_cast<uint32_t>(node.integer(0, UINT32_MAX));
-    if (!node.value().is_array())
-        node.fail_type("a list of effect names or the effect flag word");
     uint32_t effects = 0;
     for (const json_node &item : node.items()) {
         const auto *const name = std::ranges::find(effect_names, item.text());
@@ -101,7 +97,7 @@ std::optional<isp_frame_desc> read_frame_desc(const json_node &parent)
 void read_numbers(const json_node &list, std::vector<float> &numbers)
 {
     for (const json_node &item : list.items())
-        numbers.push_back(static_cast<float>(item.number(-static_cast<double>(FLT_MAX), static_cast<double>(FLT_MAX))));
+        numbers.push_back(item.single());
 }
 
 std::optional<gamma_inputs> read_gamma(const json_node &parent)
@@ -117,7 +113,7 @@ std::optional<gamma_inputs> read_gamma(const json_node &parent)
         size_t channel = 0;
         for (const json_node &item : list->items(gamma.curves.size())) {
             curve &points = gamma.curves[channel++];
-            if (item.value().is_null())
+            if (item.is_null())
                 continue;
             read_numbers(item, points.emplace());
             if (any && points->size() != gamma.point_count)
@@ -139,9 +135,8 @@ void read_grid(const json_node &node, const shading_inputs &shading, std::vector
 {
     gains.reserve(size_t{shading.width} * shading.height);
     for (const json_node &row : node.items(shading.height)) {
-        if (!row.value().is_array() || row.value().size() != shading.width)
-            row.fail_type(fmt::format("a list of {}", shading.width));
-        read_numbers(row, gains);
+        for (const json_node &item : row.items(shading.width))
+            gains.push_back(item.single());
     }
 }
 
@@ -159,7 +154,7 @@ std::optional<shading_inputs> read_shading(const json_node &parent)
     size_t channel = 0;
     for (const json_node &item : node->at("grid").items(shading.grids.size())) {
         curve &grid = shading.grids[channel++];
-        if (!item.value().is_null())
+        if (!item.is_null())
             read_grid(item, shading, grid.emplace());
     }
     return shading;
@@ -200,20 +195,15 @@ frame_inputs read_frame(const json_node &node)
 // Every frame is a merge patch on the inputs of the frame before it, unless it says "inherit": false.
 std::vector<frame_inputs> read_frames(const json_node &list, const std::string &file)
 {
+    const json_node nothing = read_document(file, "{}");
     std::vector<frame_inputs> frames;
-    json inputs = json::object();
+    json_node inputs = nothing;
     for (const json_node &node : list.items()) {
-        if (!node.value().is_object())
-            node.fail_type("an object");
-        json patch = node.value();
         const std::optional<json_node> name = node.find("name");
         const std::optional<json_node> inherit = node.find("inherit");
-        if (inherit && !inherit->boolean())
-            inputs = json::object();
-        for (const char *own : {"name", "inherit", "comment"})
-            patch.erase(own);
-        inputs.merge_patch(patch);
-        frames.push_back(read_frame(json_node(inputs, file, node.path())));
+        const json_node &base = inherit && !inherit->boolean() ? nothing : inputs;
+        inputs = base.patched(node, {"name", "inherit", "comment"});
+        frames.push_back(read_frame(inputs));
         frames.back().name = name ? name->text() : "";
     }
     if (frames.empty())
@@ -245,8 +235,7 @@ std::optional<characterisation> read_characterisation(const json_node &parent)
 
 scene read_scene(const std::string &file, std::string_view text)
 {
-    const json document = parse_json(file, text);
-    const json_node root(document, file);
+    const json_node root = read_document(file, text);
     root.expect_names({"grid", "cmc", "frames"});
 
     scene result = {};

@@ -21,10 +21,7 @@ class isp_session {
 
   private:
     struct context_deleter {
-        void operator()(isp_context *context) const
-        {
-            qz_isp_2_7_deinit(context);
-        }
+        void operator()(isp_context *context) const { qz_isp_2_7_deinit(context); }
     };
 
     byte_buffer container_;

@@ -30,7 +30,7 @@ void show(const tuning_options &options)
     const std::string name = input_name(options.input);
     const byte_buffer bytes = read_file(options.input);
     const tuning_container container = read_container(name, bytes);
-    write_text("-", options.as_json ? json_text(container_json(container)) : container_text(container));
+    write_text("-", options.as_json ? container_source(container) : container_text(container));
     for (const tuning_problem &problem : container.problems)
         fmt::print(stderr, "qz-isp: {}: {}{}\n", name, problem.error ? "" : "warning: ", problem_text(problem));
     if (container.has_errors())

@@ -35,10 +35,7 @@ class container_reader {
         return list;
     }
 
-    std::vector<tuning_problem> take_problems()
-    {
-        return std::move(problems_);
-    }
+    std::vector<tuning_problem> take_problems() { return std::move(problems_); }
 
   private:
     void problem(bool error, size_t offset, std::string text)

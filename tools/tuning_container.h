@@ -35,10 +35,7 @@ struct tuning_record {
     byte_view header; // that header behind its tag
     record_list nested;
 
-    size_t size() const
-    {
-        return body.size() + record_header_size;
-    }
+    size_t size() const { return body.size() + record_header_size; }
 };
 
 // Why the library refuses the container (error), or what it silently does about an odd record.

@@ -123,12 +123,9 @@ uint32_t rows_offset(record_shape shape)
     switch (shape) {
     case rows16:
     case fringe:
-    case macc:
-        return 10;
-    case rows32:
-        return 20;
-    default:
-        return 0;
+    case macc: return 10;
+    case rows32: return 20;
+    default: return 0;
     }
 }
 

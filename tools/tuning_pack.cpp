@@ -6,6 +6,7 @@
 #include <fmt/ranges.h>
 
 #include "error.h"
+#include "json_fields.h"
 #include "tuning_source.h"
 
 namespace qz::tool {
@@ -129,7 +130,7 @@ byte_buffer pack_fields(const json_node &node, const record_kind &kind)
 
 uint16_t read_named(const json_node &node, std::span<const std::string_view> names)
 {
-    if (!node.value().is_string())
+    if (!node.is_text())
         return static_cast<uint16_t>(node.integer(0, UINT16_MAX));
     const auto found = std::ranges::find(names, node.text());
     if (found == names.end())
@@ -189,18 +190,12 @@ std::vector<std::string_view> content_names(const record_kind *kind)
     if (kind == nullptr)
         return {};
     switch (kind->shape) {
-    case record_shape::fields:
-        return field_names(kind->fields);
-    case record_shape::macc:
-        return {"entries"};
-    case record_shape::fringe:
-        return {"rows", "count2", "extra"};
-    case record_shape::rows16:
-        return {"rows"};
-    case record_shape::rows32:
-        return {"reserved", "rows"};
-    default:
-        return {};
+    case record_shape::fields: return field_names(kind->fields);
+    case record_shape::macc: return {"entries"};
+    case record_shape::fringe: return {"rows", "count2", "extra"};
+    case record_shape::rows16: return {"rows"};
+    case record_shape::rows32: return {"reserved", "rows"};
+    default: return {};
     }
 }
 
@@ -292,8 +287,7 @@ byte_buffer pack_list(const json_node &node, unsigned depth)
 
 byte_buffer pack_container(const std::string &file, std::string_view text)
 {
-    const json document = parse_json(file, text);
-    const json_node root(document, file);
+    const json_node root = read_document(file, text);
     root.expect_names({"header", "records", "trailing"});
     byte_buffer bytes;
     append_le(bytes, container_tag);

@@ -1,4 +1,4 @@
-// The JSON source of a tuning container, in both directions: packing what container_json() gave gives the same bytes.
+// The JSON source of a tuning container, in both directions: packing what container_source() gave gives the same bytes.
 #pragma once
 
 #include <string>
@@ -22,7 +22,7 @@ constexpr element_run fringe_extra_row[] = {{element::u16, 4}};
 
 byte_buffer pack_container(const std::string &file, std::string_view text);
 
-json container_json(const tuning_container &container);
+std::string container_source(const tuning_container &container);
 
 // A container as it is, or the bytes of its JSON source; which of the two the file holds shows in its first bytes.
 byte_buffer container_bytes(const std::string &file, byte_buffer bytes);

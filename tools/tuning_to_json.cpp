@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <nlohmann/json.hpp>
 
+#include "json_fields.h"
 #include "tuning_source.h"
 
 namespace qz::tool {
@@ -197,7 +199,7 @@ json list_json(const record_list &list)
 
 } // namespace
 
-json container_json(const tuning_container &container)
+std::string container_source(const tuning_container &container)
 {
     json result = json::object();
     if (!all_zero(container.header))
@@ -205,7 +207,7 @@ json container_json(const tuning_container &container)
     result["records"] = list_json(container.list);
     if (!container.list.trailing.empty())
         result["trailing"] = hex_text(container.list.trailing);
-    return result;
+    return json_text(result);
 }
 
 } // namespace qz::tool

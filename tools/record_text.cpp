@@ -1,15 +1,14 @@
-#include "record_print.h"
-
 #include <algorithm>
 #include <iterator>
 
 #include <fmt/format.h>
 
+#include "record_print.h"
+
 namespace qz::tool {
 
 namespace {
 
-constexpr size_t channels = 4;
 // Fields of more rows than this are abbreviated.
 constexpr size_t short_rows = 4;
 constexpr std::string_view indent = "       ";
@@ -72,14 +71,6 @@ void print_values(std::string &text, std::string_view name, const std::vector<in
     }
 }
 
-std::vector<int64_t> field_values(const record_snapshot &snapshot, const block_layout &block, const field &described)
-{
-    std::vector<int64_t> values(used_count(snapshot, block, described));
-    for (size_t i = 0; i < values.size(); ++i)
-        values[i] = integer_at(described, &snapshot.record, i);
-    return values;
-}
-
 double shading_unit(const record_snapshot &snapshot)
 {
     return snapshot.record.lens_shading.payload.format == 10 ? 1024.0 : 256.0;
@@ -116,7 +107,7 @@ void print_shading_maps(std::string &text, const record_snapshot &snapshot, size
 
 void print_shading(std::string &text, const record_snapshot &snapshot, bool all)
 {
-    for (size_t channel = 0; channel < channels; ++channel) {
+    for (size_t channel = 0; channel < shading_channels; ++channel) {
         const shading_table table = shading_channel(snapshot, channel);
         if (table.entries.empty())
             return;
@@ -128,37 +119,6 @@ void print_shading(std::string &text, const record_snapshot &snapshot, bool all)
         }
     }
 }
-
-json shading_json(const record_snapshot &snapshot)
-{
-    json tables = json::array();
-    for (size_t channel = 0; channel < channels; ++channel) {
-        const shading_table table = shading_channel(snapshot, channel);
-        json rows = json::array();
-        for (size_t row = 0; row < table.rows; ++row)
-            rows.push_back(json(table.entries.subspan(row * table.columns, table.columns)));
-        tables.push_back(std::move(rows));
-    }
-    return tables;
-}
-
-json block_json(const record_snapshot &snapshot, const block_layout &block)
-{
-    json fields = json::object();
-    for (const field &described : block.fields) {
-        const std::vector<int64_t> values = field_values(snapshot, block, described);
-        fields[std::string(described.name)] = described.is_list ? json(values) : json(values[0]);
-    }
-    if (has_shading_tables(block))
-        fields["tables"] = shading_json(snapshot);
-    return {{"id", block.id},
-            {"name", block.name},
-            {"offset", block.offset},
-            {"size", block_size(snapshot, block)},
-            {"fields", std::move(fields)}};
-}
-
-} // namespace
 
 std::string record_text(const record_snapshot &snapshot, bool all)
 {
@@ -176,14 +136,17 @@ std::string record_text(const record_snapshot &snapshot, bool all)
     return text;
 }
 
-json record_json(const record_snapshot &snapshot)
+} // namespace
+
+std::string frames_text(const std::vector<computed_frame> &frames, bool all)
 {
-    json blocks = json::array();
-    for (const block_layout &block : record_blocks()) {
-        if (block_present(snapshot, block))
-            blocks.push_back(block_json(snapshot, block));
+    std::string text;
+    for (const computed_frame &frame : frames) {
+        text += fmt::format("{}frame {}{}: {} bytes in use\n\n", text.empty() ? "" : "\n", frame.index,
+                            frame.name.empty() ? "" : fmt::format(" \"{}\"", frame.name), frame.snapshot.bytes_used);
+        text += record_text(frame.snapshot, all);
     }
-    return blocks;
+    return text;
 }
 
 } // namespace qz::tool

@@ -1,0 +1,16 @@
+// Structs from and to JSON objects by the description of their fields.
+#pragma once
+
+#include <span>
+
+#include "fields.h"
+#include "json.h"
+
+namespace qz::tool {
+
+// Reads the members of an object into a struct; those that are absent stay as they are. Names outside the description
+// are the caller's to refuse.
+void read_fields(const json_node &object, std::span<const field> fields, void *base);
+void write_fields(json &object, std::span<const field> fields, const void *base);
+
+} // namespace qz::tool

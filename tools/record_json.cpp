@@ -1,0 +1,62 @@
+#include <nlohmann/json.hpp>
+
+#include "json.h"
+#include "record_print.h"
+
+namespace qz::tool {
+
+namespace {
+
+json shading_json(const record_snapshot &snapshot)
+{
+    json tables = json::array();
+    for (size_t channel = 0; channel < shading_channels; ++channel) {
+        const shading_table table = shading_channel(snapshot, channel);
+        json rows = json::array();
+        for (size_t row = 0; row < table.rows; ++row)
+            rows.push_back(json(table.entries.subspan(row * table.columns, table.columns)));
+        tables.push_back(std::move(rows));
+    }
+    return tables;
+}
+
+json block_json(const record_snapshot &snapshot, const block_layout &block)
+{
+    json fields = json::object();
+    for (const field &described : block.fields) {
+        const std::vector<int64_t> values = field_values(snapshot, block, described);
+        fields[std::string(described.name)] = described.is_list ? json(values) : json(values[0]);
+    }
+    if (has_shading_tables(block))
+        fields["tables"] = shading_json(snapshot);
+    return {{"id", block.id},
+            {"name", block.name},
+            {"offset", block.offset},
+            {"size", block_size(snapshot, block)},
+            {"fields", std::move(fields)}};
+}
+
+json record_json(const record_snapshot &snapshot)
+{
+    json blocks = json::array();
+    for (const block_layout &block : record_blocks()) {
+        if (block_present(snapshot, block))
+            blocks.push_back(block_json(snapshot, block));
+    }
+    return blocks;
+}
+
+} // namespace
+
+std::string frames_json(const std::vector<computed_frame> &frames)
+{
+    json list = json::array();
+    for (const computed_frame &frame : frames)
+        list.push_back({{"index", frame.index},
+                        {"name", frame.name},
+                        {"bytes_used", frame.snapshot.bytes_used},
+                        {"blocks", record_json(frame.snapshot)}});
+    return json_text({{"frames", std::move(list)}});
+}
+
+} // namespace qz::tool
