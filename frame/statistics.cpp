@@ -28,51 +28,45 @@ bool scale_of(const isp_stats &stats, cell_scale &scale)
     return true;
 }
 
-// Cells are converted a block at a time, each quantity in a loop of its own, so that every loop vectorises.
-constexpr size_t block_cells = 64;
-
-// Rounded half up; sums wrap as 32-bit numbers, and the low 8 bits count.
-inline void average_sums(const isp_stats_cell *cells, size_t count, uint32_t shift, uint8_t (*averages)[4])
+// Rounded half up; the sum wraps as a 32-bit number, and the low 8 bits of the average count.
+inline uint32_t average(int32_t sum, uint32_t shift)
 {
     const uint32_t half = 1u << (shift - 1);
-    for (size_t i = 0; i < count; ++i)
-        for (size_t k = 0; k < 4; ++k) {
-            const auto sum = static_cast<int32_t>(static_cast<uint32_t>(cells[i].channel_sum[k]) + half);
-            averages[i][k] = static_cast<uint8_t>(std::min(sum >> shift, 255));
-        }
+    const int32_t rounded = static_cast<int32_t>(static_cast<uint32_t>(sum) + half) >> shift;
+    return static_cast<uint32_t>(std::min(rounded, 255)) & 255u;
 }
 
-inline void saturation_of_counts(const isp_stats_cell *cells, size_t count, uint32_t shift, uint8_t *saturations)
+inline uint32_t saturation(int32_t count, uint32_t shift)
 {
-    const uint32_t samples = 1u << shift;
-    for (size_t i = 0; i < count; ++i) {
-        const uint32_t unsaturated = samples - static_cast<uint32_t>(cells[i].count);
-        saturations[i] = static_cast<uint8_t>(static_cast<int32_t>(unsaturated * 255u) >> shift);
-    }
+    const uint32_t unsaturated = (1u << shift) - static_cast<uint32_t>(count);
+    return static_cast<uint32_t>(static_cast<int32_t>(unsaturated * 255u) >> shift) & 255u;
 }
 
-inline void convert_block(const isp_stats_cell *cells, size_t count, cell_scale scale, isp_rgbs_cell *rgbs)
-{
-    alignas(64) uint8_t averages[block_cells][4];
-    alignas(64) uint8_t saturations[block_cells];
-    average_sums(cells, count, scale.average_shift, averages);
-    saturation_of_counts(cells, count, scale.samples_shift, saturations);
-    for (size_t i = 0; i < count; ++i) {
-        std::memcpy(rgbs[i].average, averages[i], sizeof rgbs[i].average);
-        rgbs[i].saturation = saturations[i];
-    }
-}
+// Cells are converted a block at a time: in 32-bit lanes first, so that the loop vectorises across cells, then put
+// together as the 5 bytes of a cell.
+constexpr size_t block_cells = 64;
 
 QZ_MULTIVERSION
-void convert(const isp_stats_cell *cells, size_t count, cell_scale scale, isp_rgbs_cell *rgbs, uint32_t *filter_1,
-             uint32_t *filter_2)
+void convert(const isp_stats_cell *cells, size_t count, cell_scale scale, isp_rgbs_cell *__restrict rgbs,
+             uint32_t *__restrict filter_1, uint32_t *__restrict filter_2)
 {
+    uint32_t averages[block_cells];
+    uint32_t saturations[block_cells];
     for (size_t done = 0; done < count; done += block_cells) {
         const size_t block = std::min(block_cells, count - done);
-        convert_block(cells + done, block, scale, rgbs + done);
-        for (size_t i = done; i < done + block; ++i) {
-            filter_1[i] = cells[i].filter_1_response;
-            filter_2[i] = cells[i].filter_2_response;
+        for (size_t i = 0; i < block; ++i) {
+            const isp_stats_cell &cell = cells[done + i];
+            averages[i] = average(cell.channel_sum[0], scale.average_shift) |
+                          average(cell.channel_sum[1], scale.average_shift) << 8 |
+                          average(cell.channel_sum[2], scale.average_shift) << 16 |
+                          average(cell.channel_sum[3], scale.average_shift) << 24;
+            saturations[i] = saturation(cell.count, scale.samples_shift);
+            filter_1[done + i] = cell.filter_1_response;
+            filter_2[done + i] = cell.filter_2_response;
+        }
+        for (size_t i = 0; i < block; ++i) {
+            std::memcpy(rgbs[done + i].average, &averages[i], sizeof rgbs->average);
+            rgbs[done + i].saturation = static_cast<uint8_t>(saturations[i]);
         }
     }
 }
