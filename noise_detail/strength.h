@@ -24,10 +24,10 @@ inline float strength_factor(int8_t strength, const strength_span &span)
     return static_cast<float>(1.0 + strength * -span.at_minus_128 / 128.0);
 }
 
-// The integer part.
+// The integer part. A factor of 1.0 keeps every value, also those that wrapped to more digits than a float has.
 inline uint32_t scaled(uint32_t value, float factor)
 {
-    return truncate_to_u32(static_cast<float>(value) * factor);
+    return factor == 1.0f ? value : truncate_to_u32(static_cast<float>(value) * factor);
 }
 
 // The low 16 bits of the integer part, limited to what a 13-bit field holds.

@@ -94,6 +94,7 @@ TEST(gain_rows, bracket_the_gain_by_unsigned_keys_in_any_order)
     }
     // 40000 * 65535 wraps, 2^32 too much for the span: 40000 - 2^32 / 65535 = -25537.
     EXPECT_EQ(xnr(40000, record(2, {0, 0, 65535, 65535}).slot, 0), (values{-25537}));
+    EXPECT_EQ(edge(40000, record(2, {0, 0, 0, 0, 65535, 65535, 65535, 65535}).slot, 0), values(3, -25537));
 }
 
 TEST(gain_rows, missing_leave_every_field)
