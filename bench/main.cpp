@@ -25,6 +25,7 @@ int main(int argc, char **argv)
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;
     bench::register_frame();
+    bench::register_bicubic();
     bench::register_nearest();
     bench::register_statistics();
     bench::register_table_resize();

@@ -1,9 +1,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "qz_isp/bicubic.h"
 #include "util/lanes.h"
+#include "util/multiversion.h"
 #include "util/p10.h"
 
 namespace {
@@ -11,7 +13,7 @@ namespace {
 using qz::f32x4;
 
 // Source samples under one destination sample along one axis, counted from the region's origin.
-struct span {
+struct footprint {
     uint32_t first;
     uint32_t count;
     float first_weight;
@@ -34,7 +36,7 @@ struct axis {
 
     float end(uint32_t count) const { return std::min(static_cast<float>(count) * step, limit); }
 
-    span span_of(uint32_t index) const
+    footprint under(uint32_t index) const
     {
         const float begin = end(index);
         const float stop = end(index + 1);
@@ -48,79 +50,120 @@ struct axis {
     }
 };
 
-// Four destination columns side by side, their samples taken in blocks of four source columns. The samples of block 0
-// and of the tail, at most two blocks, have weights of their own; all others have weight 1.
+// Four destination columns side by side, their samples taken in blocks of four source columns. Between a head and a
+// tail of weighted blocks all weights are 1.
 struct column_group {
     uint32_t first[4]; // source column, rising
+    uint32_t head;     // 0 or 1 blocks
+    uint32_t tail;     // first block of the tail, at most two
     uint32_t blocks;
-    uint32_t tail; // first block of the tail
-    f32x4 weight[3][4];
+    f32x4 head_weight[4];
+    f32x4 tail_weight[2][4];
 };
 
-struct block_of_samples {
+struct sample_block {
     f32x4 column[4];
 };
 
+[[gnu::always_inline]] inline sample_block inner_block(const float *row, const uint32_t *first)
+{
+    f32x4 c0 = qz::load4(row + first[0]);
+    f32x4 c1 = qz::load4(row + first[1]);
+    f32x4 c2 = qz::load4(row + first[2]);
+    f32x4 c3 = qz::load4(row + first[3]);
+    qz::transpose4(c0, c1, c2, c3);
+    return {{c0, c1, c2, c3}};
+}
+
 // Samples of source columns beyond the last one are the last one's.
-inline block_of_samples block_at(const float *row, uint32_t width, const column_group &group, uint32_t block)
+[[gnu::noinline]] void edge_block(const float *row, uint32_t width, const uint32_t *first, uint32_t offset,
+                                  float *samples)
+{
+    for (uint32_t m = 0; m < 4; ++m)
+        for (uint32_t lane = 0; lane < 4; ++lane)
+            samples[4 * m + lane] = row[std::min(first[lane] + offset + m, width - 1)];
+}
+
+[[gnu::always_inline]] inline sample_block block_at(const float *row, uint32_t width, const column_group &group,
+                                                    uint32_t block)
 {
     const uint32_t offset = 4 * block;
-    block_of_samples samples;
-    if (group.first[3] + offset + 4 <= width) {
-        for (uint32_t lane = 0; lane < 4; ++lane)
-            samples.column[lane] = qz::load4(row + group.first[lane] + offset);
-        qz::transpose4(samples.column[0], samples.column[1], samples.column[2], samples.column[3]);
-    } else {
-        for (uint32_t m = 0; m < 4; ++m)
-            for (uint32_t lane = 0; lane < 4; ++lane)
-                samples.column[m][lane] = row[std::min(group.first[lane] + offset + m, width - 1)];
-    }
-    return samples;
+    if (group.first[3] + offset + 4 <= width)
+        return inner_block(row + offset, group.first);
+    float samples[16];
+    edge_block(row, width, group.first, offset, samples);
+    return {{qz::load4(samples), qz::load4(samples + 4), qz::load4(samples + 8), qz::load4(samples + 12)}};
 }
 
 // A weight of 0 marks a sample that does not belong to the sum, even if it is not finite.
-inline f32x4 add_weighted(f32x4 sum, f32x4 weight, float row_weight, f32x4 sample)
+[[gnu::always_inline]] inline f32x4 add_weighted(f32x4 sum, const f32x4 *weight, float row_weight,
+                                                 const sample_block &samples)
 {
-    return sum + (weight > 0.0f ? (weight * row_weight) * sample : f32x4{});
-}
-
-inline f32x4 add_row(f32x4 sum, const float *row, uint32_t width, const column_group &group, float row_weight)
-{
-    for (uint32_t block = 0; block < group.blocks; ++block) {
-        const block_of_samples samples = block_at(row, width, group, block);
-        if (block == 0 || block >= group.tail) {
-            const f32x4 *weight = group.weight[block == 0 ? 0 : block - group.tail + 1];
-            for (uint32_t m = 0; m < 4; ++m)
-                sum = add_weighted(sum, weight[m], row_weight, samples.column[m]);
-        } else {
-            for (uint32_t m = 0; m < 4; ++m)
-                sum += row_weight * samples.column[m];
-        }
+    for (uint32_t m = 0; m < 4; ++m) {
+        const f32x4 product = (weight[m] * row_weight) * samples.column[m];
+        sum += weight[m] > 0.0f ? product : f32x4{};
     }
     return sum;
+}
+
+[[gnu::always_inline]] inline f32x4 add_samples(f32x4 sum, const float *row, float row_weight, uint32_t width,
+                                                const column_group &group)
+{
+    if (group.head != 0)
+        sum = add_weighted(sum, group.head_weight, row_weight, block_at(row, width, group, 0));
+    uint32_t block = group.head;
+    for (; block < group.tail; ++block) {
+        const sample_block samples = inner_block(row + size_t{4} * block, group.first);
+        sum += row_weight * samples.column[0];
+        sum += row_weight * samples.column[1];
+        sum += row_weight * samples.column[2];
+        sum += row_weight * samples.column[3];
+    }
+    for (; block < group.blocks; ++block)
+        sum = add_weighted(sum, group.tail_weight[block - group.tail], row_weight, block_at(row, width, group, block));
+    return sum;
+}
+
+[[gnu::always_inline]] inline void add_row(f32x4 *sums, const float *row, float weight, uint32_t width,
+                                           std::span<const column_group> groups)
+{
+    if (weight == 1.0f) { // most rows: a factor that drops out of the loop
+        for (size_t g = 0; g < groups.size(); ++g)
+            sums[g] = add_samples(sums[g], row, 1.0f, width, groups[g]);
+    } else {
+        for (size_t g = 0; g < groups.size(); ++g)
+            sums[g] = add_samples(sums[g], row, weight, width, groups[g]);
+    }
 }
 
 // Columns past dst_width repeat the last one.
 column_group group_at(const axis &across, uint32_t origin, uint32_t column, uint32_t dst_width)
 {
     column_group group = {};
-    span spans[4];
+    footprint prints[4];
     uint32_t most = 0;
-    uint32_t fewest = UINT32_MAX;
+    uint32_t whole = UINT32_MAX; // samples of weight 1 in every column, were the first one's 1
+    bool weighted_first = false;
     for (uint32_t lane = 0; lane < 4; ++lane) {
-        spans[lane] = across.span_of(std::min(column + lane, dst_width - 1));
-        group.first[lane] = origin + spans[lane].first;
-        most = std::max(most, spans[lane].count);
-        fewest = std::min(fewest, spans[lane].count);
+        const footprint print = across.under(std::min(column + lane, dst_width - 1));
+        prints[lane] = print;
+        group.first[lane] = origin + print.first;
+        most = std::max(most, print.count);
+        whole = std::min(whole, print.count - (print.last_weight < 1.0f ? 1 : 0));
+        weighted_first = weighted_first || print.first_weight < 1.0f;
     }
+
     group.blocks = (most + 3) / 4;
-    group.tail = fewest > 4 ? (fewest - 1) / 4 : 1;
-    for (uint32_t part = 0; part < 3; ++part) {
-        const uint32_t block = part == 0 ? 0 : group.tail + part - 1;
+    group.head = (weighted_first || whole < 4) && most != 0 ? 1 : 0;
+    group.tail = std::max(group.head, whole / 4);
+    const auto set_weights = [&prints](f32x4 *weights, uint32_t block) {
         for (uint32_t m = 0; m < 4; ++m)
             for (uint32_t lane = 0; lane < 4; ++lane)
-                group.weight[part][m][lane] = spans[lane].weight(4 * block + m);
-    }
+                weights[m][lane] = prints[lane].weight(4 * block + m);
+    };
+    set_weights(group.head_weight, 0);
+    set_weights(group.tail_weight[0], group.tail);
+    set_weights(group.tail_weight[1], group.tail + 1);
     return group;
 }
 
@@ -135,29 +178,28 @@ struct downscale_job {
     float norm; // 1 / (source samples under one destination sample)
 };
 
-constexpr uint32_t strip_groups = 32;
+// A strip of destination columns as wide as a full-HD picture reduced by four: rows are read from end to end.
+constexpr uint32_t strip_groups = 128;
 constexpr uint32_t strip_width = 4 * strip_groups;
 
-// Destination columns first_column .. first_column + columns - 1 of one plane.
-void reduce_strip(const downscale_job &job, const column_group *groups, const float *src, uint16_t *dst,
-                  uint32_t columns)
+QZ_MULTIVERSION void reduce_strip(const downscale_job &job, const column_group *groups, const float *src, uint16_t *dst,
+                                  uint32_t columns)
 {
     const uint32_t group_count = (columns + 3) / 4;
     for (uint32_t r = 0; r < job.dst_height; ++r) {
-        const span rows = job.down.span_of(r);
-        f32x4 sums[strip_groups] = {};
+        const footprint rows = job.down.under(r);
+        f32x4 sums[strip_groups];
+        std::fill_n(sums, group_count, f32x4{});
         for (uint32_t k = 0; k < rows.count; ++k) {
             const size_t row = std::min(job.region.y + rows.first + k, job.src_height - 1);
-            const float *samples = src + row * job.src_width;
-            const float weight = rows.weight(k);
-            for (uint32_t g = 0; g < group_count; ++g)
-                sums[g] = add_row(sums[g], samples, job.src_width, groups[g], weight);
+            add_row(sums, src + row * job.src_width, rows.weight(k), job.src_width, {groups, group_count});
         }
 
         uint16_t averages[strip_width];
         for (uint32_t g = 0; g < group_count; ++g)
             for (uint32_t lane = 0; lane < 4; ++lane)
-                averages[4 * g + lane] = qz::truncate_to_p10(sums[g][lane] * job.norm + 0.00048828125f);
+                averages[4 * g + lane] =
+                    qz::truncate_to_p10(sums[g][lane] * job.norm + 0.00048828125f); // + half a unit
         std::copy_n(averages, columns, dst + size_t{r} * job.dst_width);
     }
 }

@@ -25,14 +25,13 @@ struct resize_job {
     corner_axis across;
     corner_axis down;
     uint16_t *dst;
-    uint32_t dst_rows;
-    uint32_t dst_columns;
+    qz::plane_size size;
 };
 
 QZ_MULTIVERSION void resize_strip(qz::cubic_strip<double> &strip, const resize_job &job, uint32_t first_column)
 {
-    qz::resample_strip(strip, job.buffer, job.stride, job.across, job.down, job.dst, job.dst_rows, job.dst_columns,
-                       first_column, [](float value) { return qz::truncate_to_p10(value); });
+    qz::resample_strip(strip, job.buffer, job.stride, job.across, job.down, job.dst, job.size, first_column,
+                       [](float value) { return qz::truncate_to_p10(value); });
 }
 
 corner_axis axis(uint32_t src, uint32_t dst)
@@ -59,9 +58,8 @@ uint32_t bicubic_resize_32f_to_u16p10(const float *src, uint16_t src_rows, uint1
                             .across = axis(src_cols, dst_cols),
                             .down = axis(src_rows, dst_rows),
                             .dst = dst,
-                            .dst_rows = dst_rows,
-                            .dst_columns = dst_cols};
-    qz::cubic_strip<double> strip;
+                            .size = {.rows = dst_rows, .columns = dst_cols}};
+    alignas(64) qz::cubic_strip<double> strip;
     if (dst_rows != 0)
         for (uint32_t column = 0; column < dst_cols; column += qz::cubic_strip<double>::width)
             resize_strip(strip, job, column);

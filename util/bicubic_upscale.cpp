@@ -19,15 +19,14 @@ struct upscale_job {
     size_t stride;
     scaled_axis across;
     scaled_axis down;
-    uint32_t dst_rows;
-    uint32_t dst_columns;
+    qz::plane_size size;
 };
 
 QZ_MULTIVERSION void upscale_strip(qz::cubic_strip<float> &strip, const upscale_job &job, const float *buffer,
                                    float *dst, uint32_t first_column)
 {
-    qz::resample_strip(strip, buffer, job.stride, job.across, job.down, dst, job.dst_rows, job.dst_columns,
-                       first_column, [](float value) { return std::min(std::max(value, -255.0f), 65535.0f); });
+    qz::resample_strip(strip, buffer, job.stride, job.across, job.down, dst, job.size, first_column,
+                       [](float value) { return std::min(std::max(value, -255.0f), 65535.0f); });
 }
 
 scaled_axis axis(uint32_t src, uint32_t dst)
@@ -54,8 +53,7 @@ uint32_t upscale(const Sample *const *src_planes, float *const *dst_planes, uint
         const upscale_job job = {.stride = qz::extended_stride(src_width),
                                  .across = axis(src_width, dst_width),
                                  .down = axis(src_height, dst_height),
-                                 .dst_rows = dst_height,
-                                 .dst_columns = dst_width};
+                                 .size = {.rows = dst_height, .columns = dst_width}};
         for (uint32_t plane = 0; plane < plane_count; ++plane) {
             qz::fill_extended(src_planes[plane], buffer, src_width, src_height);
             for (uint32_t column = 0; column < dst_width; column += qz::cubic_strip<float>::width)

@@ -72,8 +72,7 @@ void fill_extended(const Sample *src, float *buffer, uint32_t width, uint32_t he
     for (size_t r = 0; r < height; ++r) {
         float *row = buffer + (r + 1) * stride;
         const Sample *from = src + r * width;
-        for (size_t c = 0; c < width; ++c)
-            row[c + 1] = static_cast<float>(from[c]);
+        std::copy_n(from, width, row + 1);
         row[0] = beyond(row, 1);
         row[width + 1] = beyond(row + width + 1, -1);
         row[width + 2] = beyond(row + width + 2, -1);

@@ -1,4 +1,4 @@
-// Four floats side by side, on every target one register.
+// Four numbers side by side.
 #pragma once
 
 #include <cstring>
@@ -6,6 +6,28 @@
 namespace qz {
 
 using f32x4 = float __attribute__((vector_size(16)));
+using f64x4 = double __attribute__((vector_size(32)));
+
+[[gnu::always_inline]] inline void convert4(f32x4 from, f32x4 &to)
+{
+    to = from;
+}
+
+[[gnu::always_inline]] inline void convert4(f32x4 from, f64x4 &to)
+{
+    to = f64x4{from[0], from[1], from[2], from[3]};
+}
+
+template <typename Real>
+struct four;
+template <>
+struct four<float> {
+    using type = f32x4;
+};
+template <>
+struct four<double> {
+    using type = f64x4;
+};
 
 inline f32x4 load4(const float *from)
 {
