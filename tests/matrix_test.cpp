@@ -148,18 +148,21 @@ TEST(mul_mm, sums_in_order_from_zero_and_rounds_every_product)
 TEST(mul_mm, every_shape_and_layout_gives_the_bits_of_outer_products)
 {
     std::mt19937 random(2);
-    constexpr std::array<std::array<int, 3>, 12> shapes = {{{1, 1, 1},
+    constexpr std::array<std::array<int, 3>, 15> shapes = {{{1, 1, 1},
                                                             {2, 3, 5},
                                                             {15, 40, 15},
+                                                            {15, 300, 15},
                                                             {64, 64, 64},
                                                             {5, 300, 17},
                                                             {33, 7, 31},
                                                             {1, 19, 90},
                                                             {90, 19, 1},
-                                                            {16, 600, 16},
+                                                            {16, 256, 16},
                                                             {23, 1, 47},
                                                             {70, 16, 100},
-                                                            {8, 257, 32}}};
+                                                            {8, 257, 32},
+                                                            {81, 129, 33},
+                                                            {4, 8, 150}}};
     for (const auto &[rows, inner, columns] : shapes) {
         for (const layout how : every_layout) {
             strided_matrix a(rows, inner, every_layout[random() % 7]);
@@ -174,6 +177,14 @@ TEST(mul_mm, every_shape_and_layout_gives_the_bits_of_outer_products)
     }
 }
 
+TEST(mul_mm, last_row_stays_where_rows_of_the_product_share_addresses)
+{
+    const floats a = {1, 2, 3, 4};
+    floats c(2);
+    EXPECT_EQ(mul_mm(a.data(), 8, 4, 2, 2, a.data(), 8, 4, 2, 2, c.data(), 0, 4), 0u);
+    EXPECT_EQ(c, (floats{15, 22}));
+}
+
 TEST(lu_decomposition_m, factors_worked_by_hand)
 {
     floats a = {4, 3, 6, 3};
@@ -184,6 +195,8 @@ TEST(lu_decomposition_m, factors_worked_by_hand)
     EXPECT_EQ(index, (std::array<uint32_t, 2>{0, 1}));
     EXPECT_EQ(lu_decomposition_m(a.data(), 4, 8, index.data(), out.data(), 8, 4, 2), 0u); // of the transpose
     EXPECT_EQ(out, (floats{4, 6, 0.75, -1.5}));
+    EXPECT_EQ(lu_decomposition_m(a.data(), 4, 4, index.data(), out.data(), 8, 4, 2), 0u); // of 4 3, 3 6
+    EXPECT_EQ(out, (floats{4, 3, 0.75, 3.75}));
     EXPECT_EQ(lu_decomposition_m(a.data(), 8, 4, index.data(), a.data(), 8, 4, 2), 0u); // in place
     EXPECT_EQ(a, (floats{4, 3, 1.5, -1.5}));
 }

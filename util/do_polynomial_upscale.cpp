@@ -1,11 +1,14 @@
 #include <algorithm>
 
 #include "qz_isp/polynomial.h"
+#include "util/block.h"
 #include "util/polynomial_terms.h"
 
 namespace {
 
-constexpr int tile = 256;
+// Columns and rows worked on at a time.
+constexpr int tile_columns = 256;
+constexpr int tile_rows = 64;
 
 // Distance between output samples, in input samples. One output sample lies at coordinate 1, whatever the spacing.
 float spacing(uint16_t in_size, uint16_t out_size)
@@ -13,18 +16,19 @@ float spacing(uint16_t in_size, uint16_t out_size)
     return out_size > 1 ? static_cast<float>(in_size - 1) / static_cast<float>(out_size - 1) : 0.0f;
 }
 
-// What the columns of a tile contribute, the same in every row.
+// What a column contributes, the same in every row.
 struct column_terms {
-    float x[tile];
-    float x2[tile];
-    float x3[tile];
-    float c1_c0[tile];
-    float c3[tile];
-    float c6[tile];
-    float c10[tile];
+    float x[tile_columns], x2[tile_columns], x3[tile_columns];
+    float c1_c0[tile_columns], c3[tile_columns], c6[tile_columns], c10[tile_columns];
 };
 
-void fill_columns(column_terms &columns, const float *c, int first, int count, float sx)
+// What a row contributes, the same in every column.
+struct row_terms {
+    float y, y2, y3;
+    float c2, c5, c9, c14;
+};
+
+QZ_ALWAYS_INLINE void fill(column_terms &columns, const float *c, int first, int count, float sx)
 {
     for (int i = 0; i < count; ++i) {
         const float x = static_cast<float>(first + i) * sx + 1.0f;
@@ -40,52 +44,115 @@ void fill_columns(column_terms &columns, const float *c, int first, int count, f
     }
 }
 
-void write_row(float *out, const column_terms &columns, const float *c, int count, float y)
+QZ_ALWAYS_INLINE row_terms terms_of_row(const float *c, int j, float sy)
 {
+    const float y = static_cast<float>(j) * sy + 1.0f;
     const float y2 = y * y;
     const float y3 = y2 * y;
-    const float c2 = c[2] * y;
-    const float c5 = c[5] * y2;
-    const float c9 = c[9] * y3;
-    const float c14 = c[14] * (y3 * y);
-    for (int i = 0; i < count; ++i) {
-        const float x = columns.x[i];
-        const float x2 = columns.x2[i];
-        const float x3 = columns.x3[i];
-        float sum = columns.c1_c0[i];
-        sum += c2;
-        sum += columns.c3[i];
-        sum += c[4] * (x * y);
-        sum += c5;
-        sum += columns.c6[i];
-        sum += c[7] * (x2 * y);
-        sum += c[8] * (x * y2);
-        sum += c9;
-        sum += columns.c10[i];
-        sum += c[11] * (x3 * y);
-        sum += c[12] * (x2 * y2);
-        sum += c[13] * (x * y3);
-        sum += c14;
-        out[i] = sum;
+    return {y, y2, y3, c[2] * y, c[5] * y2, c[9] * y3, c[14] * (y3 * y)};
+}
+
+template <int Lanes>
+struct column_group {
+    qz::vec<Lanes> x, x2, x3, c1_c0, c3, c6, c10;
+
+    QZ_ALWAYS_INLINE column_group(const column_terms &columns, int begin)
+    {
+        qz::load<Lanes>(x, columns.x + begin);
+        qz::load<Lanes>(x2, columns.x2 + begin);
+        qz::load<Lanes>(x3, columns.x3 + begin);
+        qz::load<Lanes>(c1_c0, columns.c1_c0 + begin);
+        qz::load<Lanes>(c3, columns.c3 + begin);
+        qz::load<Lanes>(c6, columns.c6 + begin);
+        qz::load<Lanes>(c10, columns.c10 + begin);
+    }
+
+    // Each term is coefficient times monomial, the monomial a power of x times a power of y.
+    QZ_ALWAYS_INLINE void sum(qz::vec<Lanes> &total, const row_terms &row, const float *c) const
+    {
+        total = c1_c0 + row.c2;
+        total += c3;
+        total += c[4] * (x * row.y);
+        total += row.c5;
+        total += c6;
+        total += c[7] * (x2 * row.y);
+        total += c[8] * (x * row.y2);
+        total += row.c9;
+        total += c10;
+        total += c[11] * (x3 * row.y);
+        total += c[12] * (x2 * row.y2);
+        total += c[13] * (x * row.y3);
+        total += row.c14;
+    }
+};
+
+struct coefficients {
+    float c[qz::polynomial_terms];
+};
+
+// One group of columns in all rows; column_count is below Lanes where the whole output is narrower than that.
+template <int Lanes>
+QZ_ALWAYS_INLINE void write_group(float *to, ptrdiff_t row_length, const column_group<Lanes> &group,
+                                  const row_terms *rows, int row_count, const coefficients &all, int column_count)
+{
+    const coefficients local = all; // the output is known not to change it
+    for (int j = 0; j < row_count; ++j, to += row_length) {
+        qz::vec<Lanes> total;
+        group.sum(total, rows[j], local.c);
+        if (column_count == Lanes) {
+            qz::store<Lanes>(to, total);
+        } else {
+            float narrow[Lanes];
+            qz::store<Lanes>(narrow, total);
+            std::copy_n(narrow, column_count, to);
+        }
     }
 }
+
+struct evaluation {
+    float *out;
+    int width, height;
+    float sx, sy;
+    coefficients all;
+
+    template <int Lanes>
+    QZ_ALWAYS_INLINE void run() const
+    {
+        column_terms columns;
+        row_terms rows[tile_rows];
+        for (int first = 0; first < width; first += tile_columns) {
+            const int column_count = std::min(tile_columns, width - first);
+            fill(columns, all.c, first, std::max(column_count, Lanes), sx);
+            for (int top = 0; top < height; top += tile_rows) {
+                const int row_count = std::min(tile_rows, height - top);
+                for (int j = 0; j < row_count; ++j)
+                    rows[j] = terms_of_row(all.c, top + j, sy);
+                write_tile<Lanes>(out + static_cast<ptrdiff_t>(top) * width + first, columns, rows, column_count,
+                                  row_count);
+            }
+        }
+    }
+
+    template <int Lanes>
+    QZ_ALWAYS_INLINE void write_tile(float *to, const column_terms &columns, const row_terms *rows, int column_count,
+                                     int row_count) const
+    {
+        for (int next = 0; next < column_count; next += Lanes) {
+            // The last group ends with the row; what it shares with the one before is the same in both.
+            const int begin = std::max(0, std::min(next, column_count - Lanes));
+            write_group<Lanes>(to + begin, width, column_group<Lanes>(columns, begin), rows, row_count, all,
+                               std::min(Lanes, column_count));
+        }
+    }
+};
 
 } // namespace
 
 void do_polynomial_upscale(float *out, const float *coeffs, uint16_t in_w, uint16_t in_h, uint32_t out_w,
                            uint16_t out_h)
 {
-    float c[qz::polynomial_terms];
-    std::copy_n(coeffs, qz::polynomial_terms, c);
     const auto width = static_cast<uint16_t>(out_w);
-    const float sx = spacing(in_w, width);
-    const float sy = spacing(in_h, out_h);
-    column_terms columns;
-    for (int first = 0; first < width; first += tile) {
-        const int count = std::min(tile, width - first);
-        fill_columns(columns, c, first, count, sx);
-        float *at = out + first;
-        for (int j = 0; j < out_h; ++j, at += width)
-            write_row(at, columns, c, count, static_cast<float>(j) * sy + 1.0f);
-    }
+    evaluation job = {out, width, out_h, spacing(in_w, width), spacing(in_h, out_h), {}};
+    std::copy_n(coeffs, qz::polynomial_terms, job.all.c);
+    qz::run_widest(job);
 }

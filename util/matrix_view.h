@@ -3,9 +3,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 
 namespace qz {
+
+struct byte_range {
+    uintptr_t begin, end;
+};
 
 template <typename Byte>
 struct matrix_view {
@@ -20,7 +25,19 @@ struct matrix_view {
                                              static_cast<size_t>(column) * static_cast<size_t>(column_stride));
     }
 
+    matrix_view from(ptrdiff_t row, ptrdiff_t column) const { return {at(row, column), row_stride, column_stride}; }
+
     matrix_view transposed() const { return {data, column_stride, row_stride}; }
+
+    // From the first to the last byte of all elements; at least one row and column.
+    byte_range range(ptrdiff_t rows, ptrdiff_t columns) const
+    {
+        const auto at_corner =
+            reinterpret_cast<uintptr_t>(at(row_stride < 0 ? rows - 1 : 0, column_stride < 0 ? columns - 1 : 0));
+        const auto at_other =
+            reinterpret_cast<uintptr_t>(at(row_stride < 0 ? 0 : rows - 1, column_stride < 0 ? 0 : columns - 1));
+        return {at_corner, at_other + sizeof(float)};
+    }
 };
 
 using source_view = matrix_view<const unsigned char>;
@@ -46,6 +63,30 @@ inline float load_float(const unsigned char *at)
 inline void store_float(unsigned char *at, float value)
 {
     memcpy(at, &value, sizeof value);
+}
+
+// Whether no two elements of a view share a byte. Views that interleave rows and columns may be taken for ones that do.
+template <typename Byte>
+bool apart(const matrix_view<Byte> &view, int32_t rows, int32_t columns)
+{
+    const int64_t down = std::abs(static_cast<int64_t>(view.row_stride));
+    const int64_t right = std::abs(static_cast<int64_t>(view.column_stride));
+    constexpr int64_t element = sizeof(float);
+    const bool rows_apart = rows <= 1 || down >= element;
+    const bool columns_apart = columns <= 1 || right >= element;
+    const bool row_fits = rows <= 1 || down >= right * (columns - 1) + element;
+    const bool column_fits = columns <= 1 || right >= down * (rows - 1) + element;
+    return rows_apart && columns_apart && (row_fits || column_fits);
+}
+
+// Whether the bytes from the first to the last of two views have any in common.
+template <typename ByteA, typename ByteB>
+bool touch(const matrix_view<ByteA> &a, int32_t a_rows, int32_t a_columns, const matrix_view<ByteB> &b, int32_t b_rows,
+           int32_t b_columns)
+{
+    const byte_range first = a.range(a_rows, a_columns);
+    const byte_range second = b.range(b_rows, b_columns);
+    return first.begin < second.end && second.begin < first.end;
 }
 
 } // namespace qz
