@@ -30,7 +30,7 @@ std::string syntax_message(const std::string &message)
     return start == std::string::npos ? message : message.substr(start);
 }
 
-std::string shortened(std::string text)
+std::string shortened(const std::string &text)
 {
     constexpr size_t limit = 40;
     return text.size() > limit ? text.substr(0, limit) + "..." : text;

@@ -1,0 +1,254 @@
+// The program from outside: its commands, output, errors and exit codes.
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+
+#include "files.h"
+#include "sample.h"
+
+using nlohmann::json;
+using qz::tool::byte_buffer;
+
+namespace {
+
+struct result {
+    int code;
+    std::string out;
+    std::string err;
+};
+
+class program : public testing::Test {
+  protected:
+    program()
+    {
+        std::string pattern = (std::filesystem::temp_directory_path() / "qz-isp-XXXXXX").string();
+        directory_ = mkdtemp(pattern.data());
+    }
+    ~program() override { std::filesystem::remove_all(directory_); }
+
+    std::string path(const std::string &name) const { return (directory_ / name).string(); }
+
+    std::string text_of(const std::string &name) const
+    {
+        const byte_buffer bytes = qz::tool::read_file(path(name));
+        return {bytes.begin(), bytes.end()};
+    }
+
+    void write(const std::string &name, std::string_view text) const { qz::tool::write_text(path(name), text); }
+
+    // Arguments as a shell takes them, in the directory of the test; before: what comes before the program in a pipe.
+    result run(const std::string &arguments, const std::string &before = "") const
+    {
+        const std::string command =
+            "cd " + directory_.string() + " && " + before + " " QZ_TOOL_COMMAND " " + arguments + " > out 2> err";
+        const int status = std::system(command.c_str()); // NOLINT(cert-env33-c): that is what is tested
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, text_of("out"), text_of("err")};
+    }
+
+    json frame(const std::string &arguments) const
+    {
+        const result made = run("run --json " + arguments);
+        EXPECT_EQ(made.code, 0) << made.err;
+        return json::parse(made.out).at("frames").at(0);
+    }
+
+  private:
+    std::filesystem::path directory_;
+};
+
+std::map<std::string, json> fields_by_block(const json &frame)
+{
+    std::map<std::string, json> blocks;
+    for (const json &block : frame.at("blocks"))
+        blocks[block.at("name")] = block.at("fields");
+    return blocks;
+}
+
+uint32_t word_at(const std::string &bytes, size_t offset)
+{
+    uint32_t word = 0;
+    std::memcpy(&word, bytes.data() + offset, sizeof word);
+    return word;
+}
+
+bool contains(const std::string &text, std::string_view part)
+{
+    return text.find(part) != std::string::npos;
+}
+
+TEST_F(program, without_arguments_prints_the_last_sample_frame_as_blocks)
+{
+    const result made = run("run");
+    EXPECT_EQ(made.code, 0);
+    EXPECT_EQ(made.out.substr(0, 38), "frame 3 \"still\": 9472 bytes in use\n\n  ");
+    EXPECT_TRUE(contains(made.out, "  31  long_6                     offset  1384   size  1188\n"));
+    EXPECT_TRUE(contains(made.out, "... 295 values, --all shows them"));
+    EXPECT_TRUE(contains(made.out, "gains of channel 3"));
+    EXPECT_FALSE(contains(made.out, "\x1b"));
+
+    const result all = run("run --all");
+    EXPECT_FALSE(contains(all.out, "--all"));
+    EXPECT_TRUE(contains(all.out, "                        272:"));
+    EXPECT_TRUE(contains(all.out, "table 3"));
+}
+
+// Worked out from the sample: gains 1.98 and 1.53 times 65536 truncated, halved; records of set index 2 and set 2.
+TEST_F(program, sample_still_takes_the_records_of_large_frames_and_of_its_mode)
+{
+    std::map<std::string, json> still = fields_by_block(frame(""));
+    EXPECT_EQ(still["white_balance"]["shift"], 1);
+    EXPECT_EQ(still["white_balance"]["gain"], (json{64880, 32768, 32768, 50135}));
+    EXPECT_EQ(still["rec_3"]["value"], (json{5461, 8191, 24}));
+    EXPECT_EQ(still["rec_13_b"]["value"], 128);
+    EXPECT_EQ(still["lens_shading"]["columns"], 27);
+    EXPECT_EQ(still["lens_shading"]["rows"], 21);
+    EXPECT_EQ(still["lens_shading"]["table"], (json{4976, 4976 + 1134, 4976 + 2 * 1134, 4976 + 3 * 1134}));
+    EXPECT_EQ(still["lens_shading"]["tables"][3].size(), 21u);
+    EXPECT_EQ(still["gamma_1"]["table"].size(), 256u);
+
+    std::map<std::string, json> preview = fields_by_block(frame("--frame preview"));
+    EXPECT_EQ(preview["rec_3"]["value"], (json{4800, 7680, 80}));
+    EXPECT_EQ(preview["rec_13_b"]["value"], 64);
+    EXPECT_NE(preview["edge_enhancement"], still["edge_enhancement"]);
+
+    std::map<std::string, json> video = fields_by_block(frame("--frame 2"));
+    EXPECT_EQ(video["rec_3"]["value"], (json{5200, 8064, 48}));
+    EXPECT_EQ(video["gamma_1"]["table"].size(), 257u);
+    EXPECT_EQ(video["frame_counter"]["value"], 2);
+}
+
+TEST_F(program, json_and_raw_tell_the_same_record)
+{
+    const json shown = frame("--frame 0");
+    EXPECT_EQ(run("run --frame preview --raw record").code, 0);
+    const std::string bytes = text_of("record");
+    ASSERT_EQ(bytes.size(), shown.at("bytes_used").get<size_t>());
+
+    uint32_t offset = 0;
+    for (const json &block : shown.at("blocks")) {
+        EXPECT_EQ(block.at("offset"), offset);
+        EXPECT_EQ(word_at(bytes, offset), block.at("id"));
+        EXPECT_EQ(word_at(bytes, offset + 4), block.at("size"));
+        offset += (block.at("size").get<uint32_t>() + 7) / 8 * 8;
+    }
+    std::map<std::string, json> fields = fields_by_block(shown);
+    EXPECT_EQ(word_at(bytes, 12), fields["white_balance"]["gain"][0]);
+    EXPECT_EQ(word_at(bytes, 4928 + 32), 4976u);
+    const json &first_row = fields["lens_shading"]["tables"][0][0];
+    EXPECT_EQ(word_at(bytes, 4976), first_row[0].get<uint32_t>() | first_row[1].get<uint32_t>() << 16);
+
+    EXPECT_EQ(run("run --raw - --frame preview").out, bytes);
+    EXPECT_EQ(run("run --raw every --frame all").code, 0);
+    EXPECT_EQ(text_of("every").substr(0, bytes.size()), bytes);
+}
+
+TEST_F(program, runs_files_of_its_user)
+{
+    write("tuning.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "rows": [[256, 10], [1024, 40]]}]})");
+    write("scene.json", R"({"frames": [{"nr_mode": 1, "exposure": {"analog_gain": 2.5}}]})");
+    ASSERT_EQ(run("tuning pack tuning.json tuning.vuxb").code, 0);
+    // Gain 640 lies half way between the two keys.
+    for (const char *tuning : {"tuning.vuxb", "tuning.json", "- < tuning.vuxb"}) {
+        std::map<std::string, json> fields =
+            fields_by_block(frame(std::string("--scene scene.json --tuning ") + tuning));
+        EXPECT_EQ(fields["xnr"]["param"], 25) << tuning;
+        EXPECT_EQ(fields["temporal_noise_reduction"]["param"], (json{32768, 32, 32}));
+        EXPECT_FALSE(fields.contains("lens_shading"));
+    }
+}
+
+TEST_F(program, packs_and_shows_to_the_same_bytes)
+{
+    write("sample.json", qz::tool::sample_tuning);
+    ASSERT_EQ(run("tuning pack sample.json sample.vuxb").code, 0);
+    ASSERT_EQ(run("tuning show --json sample.vuxb").code, 0);
+    const std::string source = text_of("out");
+    write("again.json", source);
+    EXPECT_EQ(run("tuning pack - -", "cat again.json |").out, text_of("sample.vuxb"));
+
+    const result shown = run("tuning show - < sample.vuxb");
+    EXPECT_EQ(shown.code, 0);
+    EXPECT_EQ(shown.err, "");
+    EXPECT_TRUE(contains(shown.out,
+                         "\n      24    709       -    -  rules                               100      3       64\n"));
+    EXPECT_TRUE(contains(shown.out,
+                         "   21830  64513       -    -  set index 1                         100      -      346\n"
+                         "   21838    328     320    0    edge_enhancement                  100      4       42\n"));
+}
+
+TEST_F(program, shows_what_is_wrong_with_a_container)
+{
+    write("good.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "rows": []},
+                                       {"slot": "xnr", "family": 320, "set": 0, "rows": [[1, 2]]},
+                                       {"id": 339, "bytes": ""}, {"id": 700, "bytes": "00"}]})");
+    ASSERT_EQ(run("tuning pack good.json bad.vuxb").code, 0);
+    const result shown = run("tuning show bad.vuxb");
+    EXPECT_EQ(shown.code, 1);
+    EXPECT_TRUE(contains(shown.out, "replaced by the one at 34"));
+    EXPECT_TRUE(contains(shown.out, "skipped"));
+    EXPECT_EQ(shown.err,
+              "qz-isp: bad.vuxb: offset 48, id 339: found id offset 19 of the 320 family, expected 1 to 18 or 20\n");
+    const result used = run("run --tuning bad.vuxb");
+    EXPECT_EQ(used.code, 1);
+    EXPECT_EQ(used.err, shown.err);
+    EXPECT_EQ(used.out, "");
+}
+
+TEST_F(program, reports_errors_with_exit_codes)
+{
+    write("short", "VUXB");
+    write("other", "PK34567890123456789012345678");
+    write("scene.json", R"({"frames": [{"name": "a"}, {"hue": 200}]})");
+    write("rows.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "rows": [[256, 70000]]}]})");
+    write("name.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "row": []}]})");
+    write("family.json", R"({"records": [{"slot": "xnr", "family": 768, "set": 0, "rows": []}]})");
+    write("nested.json", R"({"records": [{"set_index": 1, "records": [{"slot": "zoom"}]}]})");
+    const std::tuple<const char *, int, const char *> cases[] = {
+        {"", 2, "subcommand is required"},
+        {"run --verbose", 2, "--verbose"},
+        {"run --json --all", 2, "excludes"},
+        {"run --raw x --json", 2, "excludes"},
+        {"run --frame 4", 2, "--frame: found \"4\", expected 0 to 3, a frame's name, or all"},
+        {"run --tuning - --scene - < short", 2, "found standard input for both"},
+        {"tuning", 2, "subcommand is required"},
+        {"tuning pack rows.json", 2, "OUT is required"},
+        {"run --tuning absent", 1, "qz-isp: absent: cannot be opened: No such file"},
+        {"tuning show short", 1, "qz-isp: short: found 4 bytes, expected a container of at least 24 bytes"},
+        {"run --tuning other", 1, "qz-isp: other: offset 0: found the bytes 504b3334, expected the tag \"VUXB\""},
+        {"run --scene scene.json", 1,
+         "qz-isp: scene.json: frames[1].hue: found 200, expected an integer from -128 to 127"},
+        {"tuning pack rows.json x", 1,
+         "rows.json: records[0].rows[0][1]: found 70000, expected an integer from 0 to 65535"},
+        {"tuning pack name.json x", 1, "name.json: records[0]: found the name \"row\", expected one of "},
+        {"tuning pack family.json x", 1, "records[0].family: found 768, expected a family that has the slot xnr"},
+        {"tuning pack nested.json x", 1, "records[0].records[0].slot: found \"zoom\", expected the name of a slot"},
+        {"tuning pack - x < other", 1, "qz-isp: standard input: line 1, column 1: syntax error"},
+        {"run --raw /dev/full", 1, "qz-isp: /dev/full: cannot be written: No space left"},
+    };
+    for (const auto &[arguments, code, error] : cases) {
+        const result made = run(arguments);
+        EXPECT_EQ(made.code, code) << arguments;
+        EXPECT_TRUE(contains(made.err, error)) << arguments << "\n" << made.err;
+        EXPECT_EQ(made.out, "") << arguments;
+    }
+}
+
+TEST_F(program, every_help_has_an_example)
+{
+    for (const char *arguments :
+         {"--help", "run --help", "tuning --help", "tuning pack --help", "tuning show --help"}) {
+        const result made = run(arguments);
+        EXPECT_EQ(made.code, 0) << arguments;
+        EXPECT_TRUE(contains(made.out, "Example:")) << arguments;
+    }
+}
+
+} // namespace
