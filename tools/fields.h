@@ -2,6 +2,7 @@
 // form, JSON in both directions and everything that compares or varies fields.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -39,8 +40,13 @@ template <typename Member>
 consteval field make_field(std::string_view name, size_t offset, uint32_t columns)
 {
     using scalar = std::remove_all_extents_t<Member>;
-    return {name,    element_of<scalar>(),          static_cast<uint32_t>(sizeof(Member) / sizeof(scalar)),
-            columns, static_cast<uint32_t>(offset), std::is_array_v<Member>};
+    return {name,
+            element_of<scalar>(),
+            static_cast<uint32_t>(std::max<size_t>(1, std::extent_v<Member, 0>) *
+                                  std::max<size_t>(1, std::extent_v<Member, 1>)),
+            columns,
+            static_cast<uint32_t>(offset),
+            std::is_array_v<Member>};
 }
 
 consteval field with_type(field described, element type)

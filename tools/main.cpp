@@ -37,13 +37,14 @@ int run_program(int argc, char **argv)
 
 int main(int argc, char **argv)
 {
+    int code = exit_failure;
     try {
         return run_program(argc, argv);
     } catch (const qz::tool::usage_error &error) {
-        fmt::print(stderr, "qz-isp: {}\n", error.what());
-        return exit_usage;
+        std::fprintf(stderr, "qz-isp: %s\n", error.what());
+        code = exit_usage;
     } catch (const std::exception &error) {
-        fmt::print(stderr, "qz-isp: {}\n", error.what());
-        return exit_failure;
+        std::fprintf(stderr, "qz-isp: %s\n", error.what());
     }
+    return code;
 }

@@ -11,19 +11,21 @@ namespace {
 
 // The library's view of a characterisation; valid while the characterisation lives.
 struct bound_characterisation {
-    explicit bound_characterisation(const characterisation &source)
-        : sensor(source.sensor_description.value_or(isp_sensor_description{})),
-          entries(source.entries.value_or(std::vector<std::array<uint32_t, 4>>{})),
-          header({{0, 0}, static_cast<uint32_t>(entries.size())}),
-          cmc({nullptr, nullptr, source.sensor_description ? &sensor : nullptr, source.entries ? &header : nullptr,
-               source.entries ? entries.data() : nullptr})
-    {}
-
     isp_sensor_description sensor;
     std::vector<std::array<uint32_t, 4>> entries;
     isp_entry_table_header header;
-    isp_cmc cmc;
+    isp_cmc cmc; // points to the members above
 };
+
+void bind(const characterisation &source, bound_characterisation &bound)
+{
+    bound.sensor = source.sensor_description.value_or(isp_sensor_description{});
+    bound.entries = source.entries.value_or(std::vector<std::array<uint32_t, 4>>{});
+    bound.header = {{0, 0}, static_cast<uint32_t>(bound.entries.size())};
+    bound.cmc.sensor_description = source.sensor_description ? &bound.sensor : nullptr;
+    bound.cmc.entry_table_header = source.entries ? &bound.header : nullptr;
+    bound.cmc.entry_table = source.entries ? bound.entries.data() : nullptr;
+}
 
 template <typename Record>
 const Record *address_of(const std::optional<Record> &record)
