@@ -43,12 +43,8 @@ static int run_frame(const isp_blob *container)
 
     const isp_frame_desc frame = {{{0, 0}, 1920, 1080}, 1, 1, 1, 1};
     const isp_exposure exposure = {0, 2.0f, 1.0f};
-    const isp_input_params input = {.tuning_mode = 1,
-                                    .frame = &frame,
-                                    .exposure = &exposure,
-                                    .nr_mode = 2,
-                                    .edge_mode = 1,
-                                    .sharpness = 20};
+    const isp_input_params input = {
+        .tuning_mode = 1, .frame = &frame, .exposure = &exposure, .nr_mode = 2, .edge_mode = 1, .sharpness = 20};
     isp_output_desc output = {NULL, 0};
     const uint32_t status = qz_isp_2_7_run(context, &input, &output);
     if (status == 0) {

@@ -71,10 +71,7 @@ class gain_rows {
 
     explicit gain_rows(const isp_table_slot &slot) : gain_rows(slot.record, slot.data) {}
 
-    bool empty() const
-    {
-        return count_ == 0;
-    }
+    bool empty() const { return count_ == 0; }
 
     // The row with the largest key not above the gain and the one with the smallest key not below it, of equal keys the
     // first; outside the table, the nearer end twice. The table must not be empty.

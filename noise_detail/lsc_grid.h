@@ -17,10 +17,7 @@ struct lsc_grid {
 
     // Entries of one channel's table, at most 65535 in a valid grid. The record has room for fewer, see
     // AIC_LENS_SHADING_MAX_ENTRIES.
-    uint32_t entries() const
-    {
-        return columns * rows;
-    }
+    uint32_t entries() const { return columns * rows; }
 };
 
 // Any input may be null. False, with the grid unwritten, when lens shading cannot be computed from them: an input other

@@ -20,10 +20,7 @@ constexpr uint16_t untouched = 0xbeef;
 struct size {
     uint16_t width, height;
 
-    size_t area() const
-    {
-        return size_t{width} * height;
-    }
+    size_t area() const { return size_t{width} * height; }
 };
 
 struct scaling {
