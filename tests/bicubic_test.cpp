@@ -211,11 +211,14 @@ float cubic(const float *q, double t)
     return static_cast<float>(q[1] + 0.5 * t * (double{q[2]} - q[0] + t * middle));
 }
 
-// One sample after the other, each from its sixteen neighbours.
-void expect_resize(const scaling &s, uint32_t round)
+// One sample after the other, each from its sixteen neighbours. With cancelling samples the rounding of every sum
+// shows.
+void expect_resize(const scaling &s, uint32_t round, bool cancelling = false)
 {
     const guarded<float> src(s.from.area());
     fill(src, round);
+    for (size_t i = 1; cancelling && i < src.size(); i += s.from.width)
+        src[i + 1] = -(src[i] = 0x1p45f);
     const guarded<uint16_t> dst(s.to.area(), untouched);
     ASSERT_EQ(
         bicubic_resize_32f_to_u16p10(src.data(), s.from.height, s.from.width, dst.data(), s.to.height, s.to.width), 0u);
@@ -244,6 +247,7 @@ TEST(resize, is_exact_for_every_shape_and_value)
     for (const size &from : sources)
         for (const size &to : targets)
             expect_resize({from, to}, 0);
+    expect_resize({{4, 200}, {3, 200}}, 0, true);
     for (uint32_t round = 1; round < 24; ++round) {
         expect_resize({{23, 11}, {40, 30}}, round);
         expect_resize({{23, 11}, {7, 6}}, round);
