@@ -58,10 +58,11 @@ isp_session::isp_session(byte_buffer container, const std::string &container_nam
     : container_(std::move(container))
 {
     const isp_blob blob = {container_.data(), static_cast<uint32_t>(container_.size())};
-    std::optional<bound_characterisation> bound;
+    bound_characterisation bound = {};
     if (setup.cmc)
-        bound.emplace(*setup.cmc);
-    context_.reset(qz_isp_2_7_init(&blob, setup.grid_width, setup.grid_height, bound ? &bound->cmc : nullptr, nullptr));
+        bind(*setup.cmc, bound);
+    context_.reset(
+        qz_isp_2_7_init(&blob, setup.grid_width, setup.grid_height, setup.cmc ? &bound.cmc : nullptr, nullptr));
     if (!context_)
         throw file_error(container_name,
                          fmt::format("the library did not accept it with a statistics grid of {} x {} cells",
