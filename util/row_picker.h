@@ -19,7 +19,7 @@ namespace qz {
 template <typename Lane>
 class row_picker {
   public:
-    static constexpr size_t most = 1024; // indices
+    static constexpr size_t most = 2048; // indices: a row of full HD at once
 
     // Takes count indices, which never fall, from index_at(i).
     template <typename IndexAt>
@@ -49,6 +49,17 @@ class row_picker {
             const T *const pair = row + index_[i];
             left[i] = pair[0];
             right[i] = pair[1];
+        }
+    }
+
+    // The same times their weights, of which the left element's is 1 less the right one's.
+    void pick_weighted_pairs(const float *row, size_t elements, const float *right_weight, float *left,
+                             float *right) const
+    {
+        for (size_t i = pick_vectors<true>(row, elements, row, left, right, right_weight); i < count_; ++i) {
+            const float *const pair = row + index_[i];
+            left[i] = pair[0] * (1.0f - right_weight[i]);
+            right[i] = pair[1] * right_weight[i];
         }
     }
 
@@ -88,10 +99,11 @@ class row_picker {
     }
 
     // Returns how many results it picked.
-    template <bool pairs, typename T, typename Out>
-    size_t pick_vectors(const T *row, size_t elements, const T *next_row, Out *left, Out *right) const
+    template <bool pairs, typename T, typename Out, typename... Weights>
+    size_t pick_vectors(const T *row, size_t elements, const T *next_row, Out *left, Out *right,
+                        Weights... right_weight) const
     {
-        return elements >= reach_ ? shuffle<pairs>(row, next_row, left, right) : 0;
+        return elements >= reach_ ? shuffle<pairs>(row, next_row, left, right, right_weight...) : 0;
     }
 
     template <typename T>
@@ -109,9 +121,9 @@ class row_picker {
         }
     }
 
-    template <bool pairs, typename T, typename Out>
-    __attribute__((target("arch=x86-64-v4"))) size_t shuffle(const T *row, const T *next_row, Out *left,
-                                                             Out *right) const
+    template <bool pairs, typename T, typename Out, typename... Weights>
+    __attribute__((target("arch=x86-64-v4"))) size_t shuffle(const T *row, const T *next_row, Out *left, Out *right,
+                                                             Weights... right_weight) const
     {
         static_assert(sizeof(Out) == sizeof(Lane));
         vector place;
@@ -139,6 +151,13 @@ class row_picker {
                 picked = in_first_half ? picked : __builtin_shuffle(low, high, lane);
                 behind = in_first_half ? behind : __builtin_shuffle(low, high, lane + 1);
             }
+            if constexpr (sizeof...(Weights) != 0) {
+                typedef float floats __attribute__((vector_size(64)));
+                floats weight;
+                memcpy(&weight, (right_weight, ...) + i, sizeof weight);
+                picked = (vector)((floats)picked * (1.0f - weight));
+                behind = (vector)((floats)behind * weight);
+            }
             memcpy(left + i, &picked, sizeof picked);
             if constexpr (pairs)
                 memcpy(right + i, &behind, sizeof behind);
@@ -146,9 +165,9 @@ class row_picker {
         return i;
     }
 #else
-    template <bool pairs, typename T, typename Out>
-    size_t pick_vectors(const T * /*row*/, size_t /*elements*/, const T * /*next_row*/, Out * /*left*/,
-                        Out * /*right*/) const
+    template <bool pairs, typename T, typename Out, typename... Weights>
+    size_t pick_vectors(const T * /*row*/, size_t /*elements*/, const T * /*next_row*/, Out * /*left*/, Out * /*right*/,
+                        Weights... /*right_weight*/) const
     {
         return 0;
     }

@@ -56,14 +56,6 @@ struct row {
     alignas(64) std::array<float, picker::most> left, right;
 };
 
-QZ_MULTIVERSION void weigh_columns(const float *right_weight, size_t count, row &values)
-{
-    for (size_t i = 0; i < count; ++i) {
-        values.left[i] *= 1.0f - right_weight[i];
-        values.right[i] *= right_weight[i];
-    }
-}
-
 QZ_MULTIVERSION void blend_rows(const row &above, const row &below, float below_weight, size_t count,
                                 float *__restrict out)
 {
@@ -78,23 +70,25 @@ void resize_columns(const table &t, size_t first, size_t count)
 {
     alignas(64) std::array<float, picker::most> right_weight;
     size_t inside = 0; // columns that have a right neighbour; those behind them lie on the last source column
-    for (size_t i = 0; i < count; ++i) {
+    const picker columns(count, [&](size_t i) {
         const axis::neighbours n = t.across[static_cast<int32_t>(first + i)];
         right_weight[i] = n.right_weight;
         inside += n.left != n.right;
-    }
-    const picker columns(inside, [&](size_t i) { return t.across[static_cast<int32_t>(first + i)].left; });
+        return n.left == n.right ? n.left - 1 : n.left;
+    });
 
     qz::row_pair<row> rows;
     for (int32_t r = 0; r < t.dst_height; ++r) {
         const axis::neighbours n = t.down[r];
         rows.move_to(n.left, n.right, [&](size_t index, row &made) {
             const size_t begin = index * t.src_width;
+            columns.pick_weighted_pairs(t.src + begin, t.src_elements - begin, right_weight.data(), made.left.data(),
+                                        made.right.data());
             const float last = t.src[begin + t.src_width - 1];
-            columns.pick_pairs(t.src + begin, t.src_elements - begin, made.left.data(), made.right.data());
-            std::fill(made.left.begin() + inside, made.left.begin() + count, last);
-            std::fill(made.right.begin() + inside, made.right.begin() + count, last);
-            weigh_columns(right_weight.data(), count, made);
+            for (size_t i = inside; i < count; ++i) {
+                made.left[i] = last * (1.0f - right_weight[i]);
+                made.right[i] = last * right_weight[i];
+            }
         });
         blend_rows(rows.above(), rows.below(), n.right_weight, count,
                    t.dst + static_cast<size_t>(r) * t.dst_width + first);
