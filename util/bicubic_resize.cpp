@@ -60,9 +60,8 @@ uint32_t bicubic_resize_32f_to_u16p10(const float *src, uint16_t src_rows, uint1
                             .dst = dst,
                             .size = {.rows = dst_rows, .columns = dst_cols}};
     alignas(64) qz::cubic_strip<double> strip;
-    if (dst_rows != 0)
-        for (uint32_t column = 0; column < dst_cols; column += qz::cubic_strip<double>::width)
-            resize_strip(strip, job, column);
+    for (uint32_t column = 0; column < dst_cols; column += qz::cubic_strip<double>::width)
+        resize_strip(strip, job, column);
 
     std::free(buffer);
     return 0;
