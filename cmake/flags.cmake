@@ -1,5 +1,5 @@
-# Compile and link flags: one interface library for the code that ships in the device's libraries, and one for the
-# programs and tests around them.
+# Compile and link flags: hardening for all that is built here, one interface library for the code that ships in the
+# device's libraries, and one for the programs and tests around them.
 
 set(CMAKE_C_STANDARD 99)
 set(CMAKE_CXX_STANDARD 20)
@@ -13,6 +13,20 @@ if(NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
 endif()
 
+# Position-independent programs too, not only libraries.
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+include(CheckPIESupported)
+check_pie_supported()
+
+# Fortified calls need an optimising build, and are in a sanitizer's way.
+set(QZ_ISP_FORTIFIED $<AND:$<NOT:$<CONFIG:Debug>>,$<NOT:$<BOOL:${QZ_ISP_SANITIZED}>>>)
+add_compile_options(-fstack-protector-strong "$<${QZ_ISP_FORTIFIED}:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack)
+
+# What is built finds its libraries wherever the build tree lies; LD_LIBRARY_PATH can still put others first.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+add_link_options(-Wl,--enable-new-dtags)
+
 add_library(qz_isp_warnings INTERFACE)
 target_compile_options(qz_isp_warnings INTERFACE -Wall -Wextra -Wconversion -Wshadow)
 
@@ -20,12 +34,9 @@ target_compile_options(qz_isp_warnings INTERFACE -Wall -Wextra -Wconversion -Wsh
 # conversions and comparisons vectorise.
 add_library(qz_isp_library_flags INTERFACE)
 target_link_libraries(qz_isp_library_flags INTERFACE qz_isp_warnings)
-target_compile_options(
-  qz_isp_library_flags
-  INTERFACE -ffp-contract=off -fno-math-errno -fno-trapping-math -fstack-protector-strong
-            $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti>
-            $<$<AND:$<CONFIG:Release>,$<NOT:$<BOOL:${QZ_ISP_SANITIZED}>>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
-target_link_options(qz_isp_library_flags INTERFACE -Wl,--as-needed,-z,relro,-z,now,-z,noexecstack)
+target_compile_options(qz_isp_library_flags INTERFACE -ffp-contract=off -fno-math-errno -fno-trapping-math
+                                                      $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti>)
+target_link_options(qz_isp_library_flags INTERFACE -Wl,--as-needed)
 if(NOT QZ_ISP_SANITIZED)
-  target_link_options(qz_isp_library_flags INTERFACE -Wl,--no-undefined)
+  target_link_options(qz_isp_library_flags INTERFACE -Wl,--no-undefined,-z,text)
 endif()
