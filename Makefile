@@ -7,7 +7,7 @@ LIBRARY_ROOMS := frame tuning color noise_detail util platform
 TIDY_SOURCES = $(shell git ls-files $(addsuffix /*.cpp,$(LIBRARY_ROOMS)) 'tools/*.cpp' 'examples/*.c')
 
 .PHONY: help run test $(addprefix test-,$(TEST_PRESETS)) check check-format check-tidy check-cppcheck format bench \
-	coverage clean
+	coverage docs package abi pictures clean
 
 help:
 	@echo 'make run       install what is missing, build, and print the record of a sample frame'
@@ -16,6 +16,9 @@ help:
 	@echo 'make format    format the sources'
 	@echo 'make bench     build and run the benchmarks'
 	@echo 'make coverage  line coverage of the tests'
+	@echo 'make docs      API pages from the headers, in build/docs/html'
+	@echo 'make package   Debian packages of the 64-bit and the 32-bit library, in build/packages'
+	@echo 'make abi       write down a changed binary interface, see CONTRIBUTING.md'
 
 run:
 	@scripts/install-deps.sh run
@@ -67,6 +70,33 @@ coverage:
 	cmake --build --preset coverage --parallel $(JOBS)
 	ctest --preset coverage --parallel $(JOBS) --no-tests=error
 	gcovr --root . --object-directory build/coverage --exclude tests --exclude build --print-summary
+
+docs:
+	scripts/install-deps.sh docs
+	doxygen docs/Doxyfile
+
+package: package-native package-x86
+
+package-native package-x86:
+	scripts/install-deps.sh package
+	cmake --preset $@ > /dev/null
+	cmake --build --preset $@ --parallel $(JOBS)
+	cd build/$@ && cpack
+
+# Both targets' layouts, and the exported names.
+abi: abi-native abi-x86
+
+abi-native abi-x86: abi-%:
+	scripts/install-deps.sh test
+	cmake --preset $* > /dev/null
+	cmake --build --preset $* --target update-abi --parallel $(JOBS)
+
+# docs/record-layout.svg, from the record's list of blocks.
+pictures:
+	scripts/install-deps.sh test
+	cmake --preset native > /dev/null
+	cmake --build --preset native --target record_picture
+	cp build/native/tests/shipped/record-layout.svg docs/
 
 clean:
 	rm -rf build

@@ -1,30 +1,30 @@
 #!/bin/bash
 # Installs the Debian packages of one or more groups, and only those that are missing.
 #
-#   scripts/install-deps.sh GROUP...     groups: run test check bench fuzz coverage
+#   scripts/install-deps.sh GROUP...     groups: run test check bench fuzz coverage docs package
 set -euo pipefail
 
 run="g++ make cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev"
-test="$run g++-multilib qemu-user googletest"
+test="$run g++-multilib qemu-user googletest pkgconf"
 check="$test clang-format clang-tidy cppcheck"
 bench="$run libbenchmark-dev libeigen3-dev libopencv-core-dev libopencv-imgproc-dev libopenblas-dev libyuv-dev
        libxxhash-dev"
 fuzz="$run clang"
 coverage="$test gcovr"
+docs="doxygen make"
+package="$test dpkg-dev"
+all_groups="run test check bench fuzz coverage docs package"
 
 missing=()
 for group in "$@"; do
-    case "$group" in
-    run | test | check | bench | fuzz | coverage) ;;
-    *)
-        echo "install-deps.sh: found group '$group', expected run, test, check, bench, fuzz or coverage" >&2
+    if [[ " $all_groups " != *" $group "* ]]; then
+        echo "install-deps.sh: found group '$group', expected one of: $all_groups" >&2
         exit 2
-        ;;
-    esac
-    for package in ${!group}; do
-        state=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
-        if [ "$state" != installed ] && [[ " ${missing[*]} " != *" $package "* ]]; then
-            missing+=("$package")
+    fi
+    for name in ${!group}; do
+        state=$(dpkg-query --show --showformat='${db:Status-Status}' "$name" 2>/dev/null || true)
+        if [ "$state" != installed ] && [[ " ${missing[*]} " != *" $name "* ]]; then
+            missing+=("$name")
         fi
     done
 done

@@ -1,0 +1,52 @@
+# Installs into a scratch prefix and builds the examples against what was installed, as the documents say: through the
+# CMake package and through pkg-config, warnings being errors. Runs what it built.
+#
+#   cmake -DBUILD_TREE=dir -DSOURCE_TREE=dir -DSCRATCH=dir -DGENERATOR=name -DC_COMPILER=cc -DCXX_COMPILER=c++
+#         [-DFLAGS=flags] [-DEMULATOR=command] -P install_test.cmake
+cmake_minimum_required(VERSION 3.25)
+
+function(run)
+  execute_process(COMMAND ${ARGV} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+  if(NOT result EQUAL 0)
+    list(JOIN ARGV " " command)
+    message(FATAL_ERROR "${command}\nended with ${result}:\n${output}")
+  endif()
+  set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+function(run_examples directory)
+  run(${EMULATOR} ${directory}/minimal)
+  if(NOT output MATCHES "bytes in use +4928 of 35288\n")
+    message(FATAL_ERROR "minimal printed\n${output}")
+  endif()
+  run(${EMULATOR} ${directory}/makernote)
+  if(NOT output MATCHES "QZ_ISP 2.6.1 v2.0_012.000_002\n.* 543 i8   x 9    0 0 0 0 0 2 ...\n$")
+    message(FATAL_ERROR "makernote printed\n${output}")
+  endif()
+endfunction()
+
+file(REMOVE_RECURSE ${SCRATCH})
+set(prefix ${SCRATCH}/prefix)
+run(${CMAKE_COMMAND} --install ${BUILD_TREE} --prefix ${prefix})
+if(EXISTS ${prefix}/bin/qz-isp)
+  run(${EMULATOR} ${prefix}/bin/qz-isp run --frame 0)
+endif()
+
+# The installed copy of the examples is what a newcomer starts from.
+file(GLOB_RECURSE example ${prefix}/minimal.c)
+cmake_path(GET example PARENT_PATH examples)
+set(strict "${FLAGS} -Werror")
+
+run(${CMAKE_COMMAND} -S ${examples} -B ${SCRATCH}/by-cmake -G ${GENERATOR} -DCMAKE_PREFIX_PATH=${prefix}
+    -DCMAKE_C_COMPILER=${C_COMPILER} -DCMAKE_CXX_COMPILER=${CXX_COMPILER} -DCMAKE_C_FLAGS=${strict}
+    -DCMAKE_CXX_FLAGS=${strict})
+run(${CMAKE_COMMAND} --build ${SCRATCH}/by-cmake)
+run_examples(${SCRATCH}/by-cmake)
+
+file(GLOB_RECURSE pc_file ${prefix}/qz_isp.pc)
+cmake_path(GET pc_file PARENT_PATH pkgconfig)
+cmake_path(GET pkgconfig PARENT_PATH libraries)
+file(COPY ${examples}/ DESTINATION ${SCRATCH}/by-pkg-config)
+run(make -C ${SCRATCH}/by-pkg-config PKG_CONFIG_PATH=${pkgconfig} CC=${C_COMPILER} CXX=${CXX_COMPILER}
+    CFLAGS=${strict} CXXFLAGS=${strict} LDFLAGS=-Wl,-rpath,${libraries})
+run_examples(${SCRATCH}/by-pkg-config)

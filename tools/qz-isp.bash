@@ -1,0 +1,28 @@
+# Bash completion of qz-isp.
+_qz_isp()
+{
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+    local words='' files=''
+    case "${COMP_WORDS[1]} $COMP_CWORD" in
+    *' 1')
+        words='run tuning'
+        ;;
+    'run '*)
+        case $previous in
+        --tuning | --scene | --raw) files=yes ;;
+        --frame) words=all ;;
+        *) words='--tuning --scene --frame --json --all --raw' ;;
+        esac
+        ;;
+    'tuning 2')
+        words='pack show'
+        ;;
+    'tuning '*)
+        files=yes
+        [ "${COMP_WORDS[2]}" = show ] && words=--json
+        ;;
+    esac
+    [[ $current == -* || -z $files ]] && words+=' --help'
+    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current"; [ -z "$files" ] || compgen -f -- "$current")
+}
+complete -o filenames -F _qz_isp qz-isp
