@@ -73,14 +73,14 @@ typedef struct aic_white_balance {
 
 /** Defect pixel correction. */
 typedef struct aic_defect_pixel {
-    uint32_t param[2];
-    uint32_t gain[4]; /**< Copies of the white-balance coefficients. */
+    uint32_t param[2]; /**< Tuned. */
+    uint32_t gain[4];  /**< Copies of the white-balance coefficients. */
 } aic_defect_pixel;
 
 /** Tuned values and the white-balance gains in a fixed format. */
 typedef struct aic_long_3 {
-    uint32_t param[3];
-    uint32_t gain[4]; /**< White-balance gains with 9 fractional bits (512 = unity). */
+    uint32_t param[3]; /**< Tuned, two's complement. */
+    uint32_t gain[4];  /**< White-balance gains with 9 fractional bits (512 = unity). */
 } aic_long_3;
 
 /** A 3x3 colour matrix: coefficient k stands for k / 2^frac_bits. */
@@ -91,42 +91,42 @@ typedef struct aic_colour_matrix {
 
 /** Three parameters (temporal noise reduction, edge enhancement, block 23). */
 typedef struct aic_params_3 {
-    uint32_t param[3];
+    uint32_t param[3]; /**< Tuned; which of them a strength scales depends on the block. */
 } aic_params_3;
 
 /** Bayer noise reduction. */
 typedef struct aic_noise_reduction {
-    uint32_t param[5];
+    uint32_t param[5]; /**< Tuned; the strength scales the first two, up to 65535. */
 } aic_noise_reduction;
 
 /** Three 16-bit values of tuning record rec_3. */
 typedef struct aic_rec_3 {
-    uint16_t value[3];
+    uint16_t value[3]; /**< Tuned. */
 } aic_rec_3;
 
 /** Y edge enhancement, each 0 to 8191 unless tuned higher. */
 typedef struct aic_y_edge_enhancement {
-    uint16_t param[4];
+    uint16_t param[4]; /**< Tuned, scaled by the sharpness. */
 } aic_y_edge_enhancement;
 
 /** Fringe control: mantissas with one shared exponent. */
 typedef struct aic_fringe_control {
-    uint8_t exponent;
-    uint8_t unused;           /**< Zero, or as it was. */
-    uint16_t field_0_to_3[4]; /**< From the second table of the tuning record. */
-    uint16_t field_4_to_7[4]; /**< Moved by sharpness. */
-    uint16_t field_8_to_9[2];
+    uint8_t exponent;          /**< A value is its field * 2^(exponent - the tuned exponent). */
+    uint8_t unused;            /**< Zero, or as it was. */
+    uint16_t field_0_to_3[4];  /**< From the second table of the tuning record. */
+    uint16_t field_4_to_7[4];  /**< Moved by sharpness. */
+    uint16_t field_8_to_9[2];  /**< 0 to 8191. */
     int16_t field_10_to_11[2]; /**< Never positive. */
 } aic_fringe_control;
 
 /** One 32-bit value. */
 typedef struct aic_word {
-    uint32_t value;
+    uint32_t value; /**< Block 9: its control byte XOR 1. Block 24: frames run before this one. */
 } aic_word;
 
 /** One 16-bit value. */
 typedef struct aic_half_word {
-    uint16_t value;
+    uint16_t value; /**< Tuned. */
 } aic_half_word;
 
 /** Chroma noise reduction. */
@@ -137,29 +137,29 @@ typedef struct aic_chroma_nr {
 /** Chroma tone control: scaled value = mantissa * 2^(shift - tuned base shift). */
 typedef struct aic_ctc {
     uint16_t mantissa[6]; /**< 0 to 8191. */
-    uint16_t shift;
-    uint16_t value[4]; /**< Tuned values as they are. */
+    uint16_t shift;       /**< The tuned base shift and what brought the mantissas within 13 bits. */
+    uint16_t value[4];    /**< Tuned values as they are. */
 } aic_ctc;
 
 /** Multi-axis colour correction: sixteen 2x2 matrices; coefficient k stands for k * 2^s / 8192. */
 typedef struct aic_macc {
-    int16_t coeff[16][4];
+    int16_t coeff[16][4]; /**< Sector by sector, row by row. */
 } aic_macc;
 
 /** One byte. */
 typedef struct aic_byte {
-    uint8_t value;
+    uint8_t value; /**< The shift of the multi-axis coefficients. */
 } aic_byte;
 
 /** Black levels of the four channels as fractions of full scale; 65536 = full scale. */
 typedef struct aic_black_level {
-    uint32_t level[4];
+    uint32_t level[4]; /**< Channels 0 to 3, truncated. */
 } aic_black_level;
 
 /** XNR: a 16-bit parameter that is computed as a 32-bit word, whose upper half is padding. */
 typedef union aic_xnr {
-    uint16_t param;
-    uint32_t word;
+    uint16_t param; /**< Tuned. */
+    uint32_t word;  /**< As it is computed. */
 } aic_xnr;
 
 /** Fixed and tuned filter coefficients. */
@@ -169,51 +169,51 @@ typedef struct aic_rec_16 {
 
 /** Two 16-bit values. */
 typedef struct aic_half_words_2 {
-    uint16_t value[2];
+    uint16_t value[2]; /**< 19000, 19000. */
 } aic_half_words_2;
 
 /** Two bytes. */
 typedef struct aic_bytes_2 {
-    uint8_t value[2];
+    uint8_t value[2]; /**< 0, 255. */
 } aic_bytes_2;
 
 /** Two curves of 64 entries, 0 to 8191, and 17 parameters. */
 typedef struct aic_long_5 {
-    uint32_t curve_a[64];
-    uint32_t curve_b[64];
-    uint32_t param[17];
+    uint32_t curve_a[64]; /**< Tuned curve times its tuned scale. */
+    uint32_t curve_b[64]; /**< Tuned curve times its tuned scale. */
+    uint32_t param[17];   /**< Tuned, two's complement. */
 } aic_long_5;
 
 /** Values of tuning record long_6. */
 typedef struct aic_long_6 {
-    uint32_t param[295];
+    uint32_t param[295]; /**< Two's complement. */
 } aic_long_6;
 
 /** Values of tuning record long_7. */
 typedef struct aic_long_7 {
-    uint32_t param[62];
+    uint32_t param[62]; /**< Two's complement. */
 } aic_long_7;
 
 /** Values of tuning record long_13. */
 typedef struct aic_long_13 {
-    uint32_t param[6];
+    uint32_t param[6]; /**< Two's complement. */
 } aic_long_13;
 
 /** Values of tuning record long_11. */
 typedef struct aic_long_11 {
-    uint32_t param[14];
+    uint32_t param[14]; /**< Two's complement. */
 } aic_long_11;
 
 /** Values of tuning record long_12. */
 typedef struct aic_long_12 {
-    uint32_t param[97];
+    uint32_t param[97]; /**< Two's complement. */
 } aic_long_12;
 
 /** A gamma table of 256 or 257 entries. */
 typedef struct aic_gamma {
-    uint32_t has_257_entries; /**< 1: 257 entries are in use, 0: 256. */
-    uint16_t table[AIC_GAMMA_MAX_ENTRIES];
-    uint16_t padding;
+    uint32_t has_257_entries;              /**< 1: 257 entries are in use, 0: 256. */
+    uint16_t table[AIC_GAMMA_MAX_ENTRIES]; /**< 4095 stands for the curve's last point. */
+    uint16_t padding;                      /**< Zero. */
 } aic_gamma;
 
 /** Lens shading: four gain tables over one colour plane of the frame. */
@@ -283,7 +283,7 @@ AIC_BLOCK_TYPE(gamma_1, aic_gamma);
 AIC_BLOCK_TYPE(gamma_2, aic_gamma);
 AIC_BLOCK_TYPE(lens_shading, aic_lens_shading);
 
-/** The whole record. */
+/** The whole record: for each row of AIC_BLOCKS a member @c name of type @c aic_name_block. */
 typedef struct aic_record {
 #define AIC_MEMBER(name, id, size, offset) aic_##name##_block name;
     AIC_BLOCKS(AIC_MEMBER)

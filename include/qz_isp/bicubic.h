@@ -29,8 +29,10 @@ QZ_ISP_API void interpolate_gain_value(float *sample, uint32_t stride, uint32_t 
  * Fills an extended buffer from one plane of 16-bit samples. A plane one sample wide or high is extrapolated from border
  * samples that are not yet there: they count as 0. A plane without samples gives zeros.
  *
- * @param src    width * height samples
+ * @param src    height rows of width samples
  * @param buffer (width + 3) * (height + 3) floats, owned by the caller; all of them are written
+ * @param width  samples in a row
+ * @param height rows
  */
 QZ_ISP_API void create_extrapolated_buffer_for_bicubic_u16(const uint16_t *src, float *buffer, uint16_t width,
                                                            uint16_t height);
@@ -40,6 +42,11 @@ QZ_ISP_API void create_extrapolated_buffer_for_bicubic_u16(const uint16_t *src, 
  *
  * @param src_planes  plane_count planes of src_width * src_height samples
  * @param dst_planes  plane_count planes of dst_width * dst_height floats, owned by the caller
+ * @param src_width   samples in a source row
+ * @param src_height  source rows
+ * @param dst_width   floats in a destination row
+ * @param dst_height  destination rows
+ * @param plane_count planes, all of the same size
  * @return 0; 32 with nothing written when a destination dimension is below the source's ("Not upscaling" is logged) or
  *         is 1, or a source dimension is 0; 4 with nothing written when memory runs out ("QZ_ALLOC failed" is logged)
  */
@@ -64,16 +71,23 @@ QZ_ISP_API uint32_t bicubic_resize_32f_to_u16p10(const float *src, uint16_t src_
 
 /** A rectangle of the source, in samples. */
 typedef struct isp_roi {
-    uint16_t x;
-    uint16_t y;
-    uint16_t width;
-    uint16_t height;
+    uint16_t x;      /**< Column of its left edge. */
+    uint16_t y;      /**< Row of its upper edge. */
+    uint16_t width;  /**< Columns. */
+    uint16_t height; /**< Rows. */
 } isp_roi;
 
 /**
  * Area-weighted average of planes of floats, reduced to planes in p10 and rounded half up.
  *
- * @param roi part of every source plane to reduce, or null for the whole plane
+ * @param src_planes  plane_count planes of src_width * src_height floats
+ * @param dst_planes  plane_count planes of dst_width * dst_height entries, owned by the caller
+ * @param src_width   floats in a source row
+ * @param src_height  source rows
+ * @param dst_width   entries in a destination row
+ * @param dst_height  destination rows
+ * @param plane_count planes, all of the same size
+ * @param roi         part of every source plane to reduce, or null for the whole plane
  * @return 0; 32 with nothing written when the destination is not smaller in both dimensions, is below 3 in one, or
  *         @p roi reaches outside the source
  */

@@ -72,7 +72,9 @@ QZ_ISP_API void compute_hue(float *sectors, int8_t hue);
 /**
  * Replaces colour correction matrices by the matrix of a colour effect: bits 0x440 before 0x20 before 0x800.
  *
- * @param ccms  count entries, 36 floats (144 bytes) apart, each beginning with a 3x3 matrix
+ * @param ccms    count entries, 36 floats (144 bytes) apart, each beginning with a 3x3 matrix
+ * @param count   entries
+ * @param effects effect flag word
  */
 QZ_ISP_API void apply_color_effects_to_ccms(float *ccms, uint32_t count, uint32_t effects);
 
@@ -80,6 +82,7 @@ QZ_ISP_API void apply_color_effects_to_ccms(float *ccms, uint32_t count, uint32_
  * Applies a manual saturation to colour correction matrices in place; rows that are boosted sum to 1 afterwards.
  *
  * @param ccms       count 3x3 matrices, one after another
+ * @param count      matrices
  * @param disabled   when not 0, nothing is done
  * @param saturation its low byte is used, signed
  * @param factor     multiplies the saturation's own factor
@@ -129,9 +132,11 @@ QZ_ISP_API void invert_gamma_f(float *table, uint16_t len);
 /**
  * Applies brightness (a power curve) and contrast (two power curves that meet at half the largest entry) to a table.
  *
- * @param in  n entries
- * @param out receives n entries; may be @p in
- * @param n   entries; nothing is written when it is below 1
+ * @param brightness exponent 5 (-128) to 0.25 (127)
+ * @param contrast   exponent 0.2 (-128) to 5 (127)
+ * @param in         n entries
+ * @param out        receives n entries; may be @p in
+ * @param n          entries; nothing is written when it is below 1
  */
 QZ_ISP_API void compute_brightness_contrast(int8_t brightness, int8_t contrast, const uint16_t *in, uint16_t *out,
                                             int32_t n);
@@ -146,6 +151,11 @@ QZ_ISP_API void compute_brightness_contrast_f(int8_t brightness, int8_t contrast
  * White-balance gains as mantissas with one shared shift: gain = coefficient * 2^shift / 65536.
  *
  * @param gains four gains, each in [0, 65536)
+ * @param shift receives the shift, 0 to 16
+ * @param gain1 receives the coefficient of gain 1
+ * @param gain0 receives the coefficient of gain 0
+ * @param gain3 receives the coefficient of gain 3
+ * @param gain2 receives the coefficient of gain 2
  */
 QZ_ISP_API void compute_white_balance(const float *gains, uint32_t *shift, uint32_t *gain1, uint32_t *gain0,
                                       uint32_t *gain3, uint32_t *gain2);
@@ -155,6 +165,7 @@ QZ_ISP_API void compute_white_balance(const float *gains, uint32_t *shift, uint3
  * four tuned values as they are.
  *
  * @param record the `ctc_config` record
+ * @param factor saturation factor, 1.0 = as tuned
  * @param block  eleven words
  */
 QZ_ISP_API void compute_ctc_config(const isp_record *record, float factor, uint16_t *block);
@@ -173,6 +184,10 @@ QZ_ISP_API void compute_isp_lsc_saturation_compensation(const float *offsets, ui
  *
  * @param levels    four black levels in raw code values
  * @param bit_depth sensor bit depth, 1 to 31; others count modulo 32
+ * @param out_ch1   receives the level of channel 1
+ * @param out_ch0   receives the level of channel 0
+ * @param out_ch3   receives the level of channel 3
+ * @param out_ch2   receives the level of channel 2
  * @return 0
  */
 QZ_ISP_API uint32_t compute_isp_black_level_compensation(const float *levels, uint16_t bit_depth, uint32_t *out_ch1,

@@ -22,15 +22,15 @@ struct qz_mkn;
 typedef struct isp_context {
     isp_tuning_set *tuning_sets[3]; /**< Arrays of set 0, 1 and 2, set_count sets each, in one block. */
     isp_cmc *cmc;                   /**< Characterisation copy. */
-    rgbs_grid_desc *rgbs_grid;
-    af_grid_desc *af_grid;
-    aic_record *aic_output;
-    struct qz_mkn *makernote; /**< The caller's makernote, or null. */
-    char *mkn_key;            /**< 16 characters and a terminator: key of the version record. */
-    isp_rule_ref rules;       /**< Selection rules inside the caller's container. */
-    uint32_t frame_counter;   /**< Frames run. */
-    int32_t set_count;        /**< Set indices parsed. */
-    uint32_t grid_capacity;   /**< Cells that the statistics grids have room for. */
+    rgbs_grid_desc *rgbs_grid;      /**< Channel averages of the last statistics. */
+    af_grid_desc *af_grid;          /**< Filter responses of the last statistics. */
+    aic_record *aic_output;         /**< Parameters of the last frame. */
+    struct qz_mkn *makernote;       /**< The caller's makernote, or null. */
+    char *mkn_key;                  /**< 16 characters and a terminator: key of the version record. */
+    isp_rule_ref rules;             /**< Selection rules inside the caller's container. */
+    uint32_t frame_counter;         /**< Frames run. */
+    int32_t set_count;              /**< Set indices parsed. */
+    uint32_t grid_capacity;         /**< Cells that the statistics grids have room for. */
 } isp_context;
 
 /**

@@ -32,8 +32,14 @@ QZ_ISP_API uint32_t mul_mm(const void *a, int32_t a_row_stride, int32_t a_column
  * A must be dense (or the transpose of a dense matrix): its n * n floats are copied as one block before they are
  * addressed with the strides. A zero pivot is not detected; it spreads infinities or not-a-numbers.
  *
- * @param index receives the row order, which is the identity: 0, 1, ..., n - 1
- * @param out   receives U on and above the diagonal and the multipliers of the unit lower factor below it
+ * @param a                 the matrix
+ * @param a_row_stride      its strides
+ * @param a_column_stride   see above
+ * @param index             receives the row order, which is the identity: 0, 1, ..., n - 1
+ * @param out               receives U on and above the diagonal and the multipliers of the unit lower factor below it
+ * @param out_row_stride    its strides
+ * @param out_column_stride see above
+ * @param n                 rows and columns
  * @return 0, or 4 with nothing written when the work copy cannot be allocated
  */
 QZ_ISP_API uint32_t lu_decomposition_m(const void *a, int32_t a_row_stride, int32_t a_column_stride, uint32_t *index,
@@ -49,6 +55,8 @@ QZ_ISP_API uint32_t lu_decomposition_m(const void *a, int32_t a_row_stride, int3
  * @param transposed receives its transpose, 15 rows of N
  * @param out        receives the packed LU factors of transposed x design, 15 x 15
  * @param index      receives the 15 row indices 0 to 14
+ * @param width      grid columns
+ * @param height     grid rows
  * @param term_count must be 15
  * @return 0; 4 when the normal matrix cannot be allocated; 2 when a later step fails or @p term_count is not 15 (then
  *         nothing is written)

@@ -34,7 +34,7 @@ QZ_ISP_API void compute_noise_reduction(uint16_t gain, const isp_table_slot *slo
 QZ_ISP_API void compute_temporal_noise_reduction(uint16_t gain, const isp_table_slot *slot, int8_t strength,
                                                  uint32_t *param0, uint32_t *param1, uint32_t *param2);
 
-/** XNR: rows of a key and one value. @param param receives 32 bits, of which values between the tuned ones use 16 */
+/** XNR: rows of a key and one value. @p param receives 32 bits, of which values between the tuned ones use 16. */
 QZ_ISP_API void compute_xnr(uint16_t gain, const isp_table_slot *slot, uint32_t *param);
 
 /**
@@ -54,16 +54,14 @@ QZ_ISP_API void compute_y_edge_enhancement(uint16_t gain, const isp_table_slot *
 /**
  * Chroma noise reduction: rows of a key and eight values, 8-bit ones (the first two count 32-fold) or 16-bit ones. The
  * strength scales fields 2 to 7 the other way: by 5 (-128) to 0.2 (127), limited to 8191.
- *
- * @param fields eight fields
+ * @p fields receives eight fields.
  */
 QZ_ISP_API void compute_chroma_nr(uint16_t gain, const isp_chroma_nr_slot *slot, int8_t strength, uint16_t *fields);
 
 /**
  * Fringe control: twelve values brought to 13-bit magnitudes by one shift, which is added to the tuned exponent. The
  * sharpness moves fields 4 to 7 towards 0 (-128) or 65535 (127).
- *
- * @param block the block's payload; its unused byte, and fields 0 to 3 without a second table, are not written
+ * @p block receives the block's payload; its unused byte, and fields 0 to 3 without a second table, are not written.
  */
 QZ_ISP_API void compute_fringe_control(uint16_t gain, const isp_fringe_control_slot *slot, int8_t sharpness,
                                        aic_fringe_control *block);

@@ -17,7 +17,10 @@
  *
  * @param out    receives out_w * out_h floats, row after row
  * @param coeffs 15 coefficients
+ * @param in_w   columns of the grid that the coefficients were fitted to
+ * @param in_h   its rows
  * @param out_w  output columns, its low 16 bits are used
+ * @param out_h  output rows
  */
 QZ_ISP_API void do_polynomial_upscale(float *out, const float *coeffs, uint16_t in_w, uint16_t in_h, uint32_t out_w,
                                       uint16_t out_h);
@@ -30,6 +33,10 @@ QZ_ISP_API void do_polynomial_upscale(float *out, const float *coeffs, uint16_t 
  * @param perm    row permutation that belongs to the factors; not read
  * @param in      four grids of in_w * in_h floats
  * @param out     four grids of out_w * out_h floats, owned by the caller
+ * @param in_w    columns of an input grid
+ * @param in_h    its rows
+ * @param out_w   columns of an output grid
+ * @param out_h   its rows
  * @param n       number of terms, 15
  * @return 0; 2 when memory cannot be had (the grids of earlier channels stay written) or @p n is not 15 (nothing is
  *         written)

@@ -13,7 +13,7 @@ struct isp_context;
 
 /** One cell of the ISP's statistics. */
 typedef struct isp_stats_cell {
-    uint32_t unused;
+    uint32_t unused;            /**< Not read. */
     int32_t count;              /**< Saturated samples, 0 to 2^(2e). */
     int32_t channel_sum[4];     /**< Sum of the cell's samples, one per channel. */
     uint32_t filter_1_response; /**< AF filter 1. */
@@ -22,10 +22,10 @@ typedef struct isp_stats_cell {
 
 /** The ISP's statistics of one frame. */
 typedef struct isp_stats {
-    uint32_t unused_0[3];
-    uint32_t width;  /**< Grid width in cells. */
-    uint32_t height; /**< Grid height in cells. */
-    uint32_t unused_5[2];
+    uint32_t unused_0[3];        /**< Not read. */
+    uint32_t width;              /**< Grid width in cells. */
+    uint32_t height;             /**< Grid height in cells. */
+    uint32_t unused_5[2];        /**< Not read. */
     uint32_t af_block_size;      /**< Written to both block sizes of the AF descriptor. */
     uint32_t cell_size_exponent; /**< e: a cell accumulates 2^(2e) samples per channel. */
     uint32_t bit_depth;          /**< b: bits per sample. */
@@ -41,18 +41,18 @@ typedef struct isp_rgbs_cell {
 /** Descriptor of the RGBS grid. */
 typedef struct rgbs_grid_desc {
     isp_rgbs_cell *cells; /**< width * height cells, row by row. */
-    uint16_t width;
-    uint16_t height;
+    uint16_t width;       /**< Cells in a row. */
+    uint16_t height;      /**< Rows. */
 } rgbs_grid_desc;
 
 /** Descriptor of the AF filter responses. */
 typedef struct af_grid_desc {
-    uint16_t width;
-    uint16_t height;
-    uint16_t block_width;
-    uint16_t block_height;
-    uint32_t *filter_1; /**< width * height responses, row by row. */
-    uint32_t *filter_2; /**< width * height responses, row by row. */
+    uint16_t width;        /**< Cells in a row. */
+    uint16_t height;       /**< Rows. */
+    uint16_t block_width;  /**< isp_stats::af_block_size. */
+    uint16_t block_height; /**< isp_stats::af_block_size. */
+    uint32_t *filter_1;    /**< width * height responses, row by row. */
+    uint32_t *filter_2;    /**< width * height responses, row by row. */
 } af_grid_desc;
 
 /**
@@ -61,8 +61,10 @@ typedef struct af_grid_desc {
  * The descriptors belong to the context: they stay valid until it is destroyed, and the next call overwrites what they
  * address. Width, height and block size are taken as their low 16 bits.
  *
- * @param rgbs receives the address of the RGBS descriptor
- * @param af   receives the address of the AF descriptor
+ * @param context context whose grids are written
+ * @param stats   the frame's statistics, read during the call
+ * @param rgbs    receives the address of the RGBS descriptor
+ * @param af      receives the address of the AF descriptor
  * @return 0; 8 with nothing written when an argument, a descriptor or the cell array is null, the grid has more cells
  * than the context was made for, or bit_depth + 2e - 8 lies outside 1 to 31
  */

@@ -23,23 +23,23 @@ typedef struct isp_record {
 
 /** A slot group of two: a record (null: the slot is empty) and its rows or payload, which lies inside the record. */
 typedef struct isp_table_slot {
-    isp_record *record;
-    const void *data;
+    isp_record *record; /**< The record, or null. */
+    const void *data;   /**< Its rows or payload. */
 } isp_table_slot;
 
 /** The slot group of the chroma noise reduction record, which comes in two encodings. */
 typedef struct isp_chroma_nr_slot {
-    isp_record *record;
+    isp_record *record;   /**< The record, or null. */
     const void *data;     /**< Rows of a u16 gain key and eight u8 values, or null. */
     const void *data_alt; /**< Rows of a u16 gain key and eight u16 values, or null. */
 } isp_chroma_nr_slot;
 
 /** The slot group of the fringe control record, which newer versions extend. */
 typedef struct isp_fringe_control_slot {
-    isp_record *record;
-    const void *data;  /**< Main table: rows of a u16 gain key and eight 16-bit values. */
-    uintptr_t count2;  /**< Base exponent: a u16 that follows the main table from version 101 on, else 1. */
-    const void *extra; /**< Second table from version 102 on: rows of four u16 values; else null. */
+    isp_record *record; /**< The record, or null. */
+    const void *data;   /**< Main table: rows of a u16 gain key and eight 16-bit values. */
+    uintptr_t count2;   /**< Base exponent: a u16 that follows the main table from version 101 on, else 1. */
+    const void *extra;  /**< Second table from version 102 on: rows of four u16 values; else null. */
 } isp_fringe_control_slot;
 
 /**
@@ -87,33 +87,33 @@ typedef struct isp_rule_ref {
 
 /** Width and height that selection rules compare: any record that begins with these four fields. */
 typedef struct isp_geometry {
-    uint16_t unused[2];
-    uint16_t width;  /**< In sensor pixels. */
-    uint16_t height; /**< In sensor pixels. */
+    uint16_t unused[2]; /**< Only passed on to the makernote. */
+    uint16_t width;     /**< In sensor pixels. */
+    uint16_t height;    /**< In sensor pixels. */
 } isp_geometry;
 
 /** Description of the sensor, part of the characterisation record. */
 typedef struct isp_sensor_description {
-    uint32_t unused[2];
+    uint32_t unused[2]; /**< Not read. */
     uint16_t width;     /**< Pixel array width. */
     uint16_t height;    /**< Pixel array height. */
     uint16_t bit_depth; /**< Bits per raw sample, 1 to 31. */
-    uint16_t unused_2;
+    uint16_t unused_2;  /**< Not read. */
 } isp_sensor_description;
 
 /** Header of the characterisation record's entry table. */
 typedef struct isp_entry_table_header {
-    uint32_t unused[2];
+    uint32_t unused[2];   /**< Not read. */
     uint32_t entry_count; /**< Entries of 16 bytes each in the entry table. */
 } isp_entry_table_header;
 
 /** Camera-module characterisation record (CMC). In a copy, what the last three fields point to is the copy's own. */
 typedef struct isp_cmc {
-    const void *cmc_field_0; /**< Not used by the library; null in a copy. */
-    const void *cmc_field_1; /**< Not used by the library; null in a copy. */
-    isp_sensor_description *sensor_description;
-    isp_entry_table_header *entry_table_header;
-    void *entry_table;
+    const void *cmc_field_0;                    /**< Not used by the library; null in a copy. */
+    const void *cmc_field_1;                    /**< Not used by the library; null in a copy. */
+    isp_sensor_description *sensor_description; /**< Or null. */
+    isp_entry_table_header *entry_table_header; /**< Or null: then the entry table is not looked at. */
+    void *entry_table;                          /**< Entries, 16 bytes each. */
 } isp_cmc;
 
 /**

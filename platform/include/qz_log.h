@@ -9,6 +9,7 @@
 extern "C" {
 #endif
 
+/** Exported, with a printf format as its second parameter. */
 #if defined(__GNUC__)
 #define QZ_LOG_PRINTF __attribute__((visibility("default"), format(printf, 2, 3)))
 #else

@@ -14,6 +14,7 @@
 extern "C" {
 #endif
 
+/** Exported. */
 #if defined(__GNUC__)
 #define QZ_MKN_API __attribute__((visibility("default")))
 #else
