@@ -1,5 +1,6 @@
 # Installs into a scratch prefix and builds the examples against what was installed, as the documents say: through the
-# CMake package and through pkg-config, warnings being errors. Runs what it built.
+# CMake package and through pkg-config, warnings being errors; so with the program that the documents show. Runs what it
+# built, also with another log library in place of the one that was installed.
 #
 #   cmake -DBUILD_TREE=dir -DSOURCE_TREE=dir -DSCRATCH=dir -DGENERATOR=name -DC_COMPILER=cc -DCXX_COMPILER=c++
 #         [-DFLAGS=flags] [-DEMULATOR=command] -P install_test.cmake
@@ -50,3 +51,29 @@ file(COPY ${examples}/ DESTINATION ${SCRATCH}/by-pkg-config)
 run(make -C ${SCRATCH}/by-pkg-config PKG_CONFIG_PATH=${pkgconfig} CC=${C_COMPILER} CXX=${CXX_COMPILER}
     CFLAGS=${strict} CXXFLAGS=${strict} LDFLAGS=-Wl,-rpath,${libraries})
 run_examples(${SCRATCH}/by-pkg-config)
+
+file(READ ${prefix}/share/doc/libqz-isp-dev/docs/using.md text)
+string(FIND "${text}" "```c\n" begin)
+string(SUBSTRING "${text}" ${begin} -1 text)
+string(REGEX REPLACE "^```c\n" "" text "${text}")
+string(REGEX REPLACE "\n```.*" "\n" program "${text}")
+file(WRITE ${SCRATCH}/camera.c "${program}")
+separate_arguments(c_flags UNIX_COMMAND "${strict}")
+run(${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${pkgconfig} pkg-config --cflags --libs qz_isp)
+separate_arguments(library_flags UNIX_COMMAND "${output}")
+run(${C_COMPILER} -std=c99 -Wall -Wextra -pedantic ${c_flags} ${SCRATCH}/camera.c ${library_flags}
+    -Wl,-rpath,${libraries} -o ${SCRATCH}/camera)
+run(${EMULATOR} ${SCRATCH}/camera)
+if(NOT output MATCHES "4928 bytes, shift of the white balance gains 2\n")
+  message(FATAL_ERROR "camera.c of using.md printed\n${output}")
+endif()
+
+# What comes first where the loader looks takes the place of the stand-in.
+file(WRITE ${SCRATCH}/device/log.c "#include <stdio.h>
+void qz_log(int level, const char *format, ...) { printf(\"device log %d %s\\n\", level, format); }
+")
+run(${C_COMPILER} ${c_flags} -shared -fPIC ${SCRATCH}/device/log.c -o ${SCRATCH}/device/libqz_log.so)
+run(${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${SCRATCH}/device ${EMULATOR} ${SCRATCH}/camera)
+if(NOT output MATCHES "device log 1 QZ ISP 2.7 VERSION %s\n")
+  message(FATAL_ERROR "With a device's log library camera.c printed\n${output}")
+endif()
