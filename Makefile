@@ -4,7 +4,7 @@ JOBS ?= $(shell nproc)
 TEST_PRESETS := native x86 asan
 SOURCES = $(shell git ls-files '*.c' '*.cpp' '*.h')
 LIBRARY_ROOMS := frame tuning color noise_detail util platform
-TIDY_SOURCES = $(shell git ls-files $(addsuffix /*.cpp,$(LIBRARY_ROOMS)) 'tools/*.cpp' 'examples/*.c')
+TIDY_SOURCES = $(shell git ls-files $(addsuffix /*.cpp,$(LIBRARY_ROOMS)) 'tools/*.cpp' 'examples/*.c' 'examples/*.cpp')
 
 .PHONY: help run test $(addprefix test-,$(TEST_PRESETS)) check check-format check-tidy check-cppcheck format bench \
 	coverage docs package abi pictures clean
