@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <numeric>
 #include <ostream>
 #include <random>
 #include <string>
@@ -131,19 +132,10 @@ float position(int index, int src, int dst)
     return static_cast<float>(index) * step;
 }
 
-uint32_t upscale(const uint8_t *const *src, float *const *dst, const scaling &s, uint16_t planes)
-{
-    return image_bicubic_upscale_uint8_to_float(src, dst, s.from.width, s.from.height, s.to.width, s.to.height, planes);
-}
-
-uint32_t upscale(const uint16_t *const *src, float *const *dst, const scaling &s, uint16_t planes)
-{
-    return image_bicubic_upscale_uint16_to_float(src, dst, s.from.width, s.from.height, s.to.width, s.to.height,
-                                                 planes);
-}
-
 template <typename Sample>
-void expect_kernel(const scaling &s, double tolerance)
+void expect_kernel(uint32_t (*upscale)(const Sample *const *, float *const *, uint16_t, uint16_t, uint16_t, uint16_t,
+                                       uint16_t),
+                   const scaling &s, double tolerance)
 {
     const guarded<Sample> src[] = {guarded<Sample>(s.from.area()), guarded<Sample>(s.from.area())};
     const guarded<float> dst[] = {guarded<float>(s.to.area(), NAN), guarded<float>(s.to.area(), NAN)};
@@ -152,7 +144,7 @@ void expect_kernel(const scaling &s, double tolerance)
     std::mt19937 random(s.to.width);
     for (const auto &plane : src)
         std::generate(plane.begin(), plane.end(), [&random] { return static_cast<Sample>(random()); });
-    ASSERT_EQ(upscale(src_planes, dst_planes, s, 2), 0u);
+    ASSERT_EQ(upscale(src_planes, dst_planes, s.from.width, s.from.height, s.to.width, s.to.height, 2), 0u);
 
     for (size_t i = 0; i < dst[0].size() * 2; ++i) {
         const size_t plane = i % 2;
@@ -172,35 +164,9 @@ TEST(upscalers, follow_the_kernel_within_minus_255_and_65535)
     constexpr scaling cases[] = {{{1, 1}, {2, 2}},     {{2, 2}, {3, 5}},    {{1, 4}, {9, 4}},   {{5, 1}, {5, 7}},
                                  {{17, 13}, {27, 21}}, {{31, 3}, {273, 9}}, {{7, 6}, {300, 6}}, {{12, 9}, {12, 9}}};
     for (const scaling &s : cases) {
-        expect_kernel<uint8_t>(s, s.from.width == s.to.width && s.from.height == s.to.height ? 0 : 2e-4);
-        expect_kernel<uint16_t>(s, s.from.width == s.to.width && s.from.height == s.to.height ? 0 : 0.05);
-    }
-}
-
-TEST(upscalers, refuse_sizes_they_cannot_reach_and_say_so_when_it_is_shrinking)
-{
-    constexpr struct {
-        scaling sizes;
-        const char *text;
-    } cases[] = {
-        {{{3, 3}, {2, 9}}, "qz[0] Not upscaling\n"},
-        {{{3, 3}, {9, 2}}, "qz[0] Not upscaling\n"},
-        {{{2, 1}, {1, 1}}, "qz[0] Not upscaling\n"},
-        {{{1, 3}, {1, 3}}, ""},
-        {{{3, 1}, {3, 1}}, ""},
-        {{{0, 3}, {4, 4}}, ""},
-        {{{3, 0}, {4, 4}}, ""},
-        {{{0, 0}, {0, 0}}, ""},
-    };
-    for (const auto &c : cases) {
-        const uint8_t samples[9] = {};
-        const uint8_t *src = samples;
-        std::vector<float> out(36, 7.0f);
-        float *dst = out.data();
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(upscale(&src, &dst, c.sizes, 1), 32u) << c.sizes;
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), c.text) << c.sizes;
-        EXPECT_EQ(out, std::vector<float>(36, 7.0f));
+        const bool copies = s.from.width == s.to.width && s.from.height == s.to.height;
+        expect_kernel(image_bicubic_upscale_uint8_to_float, s, copies ? 0 : 2e-4);
+        expect_kernel(image_bicubic_upscale_uint16_to_float, s, copies ? 0 : 0.05);
     }
 }
 
@@ -254,19 +220,9 @@ TEST(resize, is_exact_for_every_shape_and_value)
     }
 }
 
-TEST(resize, takes_rows_first_truncates_and_refuses_what_has_no_position)
+TEST(resize, truncates_and_keeps_the_low_half)
 {
-    constexpr struct {
-        uint16_t src_rows, src_cols, dst_rows, dst_cols;
-        uint32_t status;
-    } cases[] = {{2, 2, 1, 2, 32}, {2, 2, 2, 1, 32}, {0, 2, 2, 2, 32}, {2, 0, 2, 2, 32},
-                 {2, 2, 0, 2, 0},  {2, 2, 2, 0, 0},  {2, 2, 0, 0, 0}};
     const float src[] = {0.9999f, 2, 3, 63.9999f};
-    for (const auto &c : cases) {
-        uint16_t dst[] = {untouched, untouched, untouched, untouched};
-        EXPECT_EQ(bicubic_resize_32f_to_u16p10(src, c.src_rows, c.src_cols, dst, c.dst_rows, c.dst_cols), c.status);
-        EXPECT_EQ(std::count(std::begin(dst), std::end(dst), untouched), 4);
-    }
     const guarded<uint16_t> wide(6);
     ASSERT_EQ(bicubic_resize_32f_to_u16p10(src, 2, 2, wide.data(), 2, 3), 0u);
     EXPECT_EQ(std::vector<uint16_t>(wide.begin(), wide.end()),
@@ -337,37 +293,69 @@ TEST(area_average, is_exact_for_every_ratio_region_and_value)
 
 TEST(area_average, of_disjoint_blocks_in_every_plane)
 {
-    std::vector<float> ramp(72);
-    for (size_t i = 0; i < 72; ++i)
-        ramp[i] = static_cast<float>(i < 36 ? i : i - 35);
+    const guarded<float> ramp(72);
+    std::iota(ramp.begin(), ramp.end(), 0.0f);
     const float *src[] = {ramp.data(), ramp.data() + 36};
     const guarded<uint16_t> out(18, untouched);
     uint16_t *dst[] = {out.data(), out.data() + 9};
     ASSERT_EQ(image_downscale_32f_to_u16p10(src, dst, 6, 6, 3, 3, 2, nullptr), 0u);
-    for (size_t i = 0; i < 9; ++i) {
-        const size_t corner = 12 * (i / 3) + 2 * (i % 3);
-        EXPECT_EQ(out[i], 1024 * corner + 3584); // 3.5 more than the block's first sample
-        EXPECT_EQ(out[9 + i], 1024 * corner + 4608);
-    }
+    for (size_t i = 0; i < 18; ++i) // 3.5 more than the block's first sample
+        EXPECT_EQ(out[i], (1024 * (12 * (i / 3) + 2 * (i % 3)) + 3584) % 65536);
 }
 
-TEST(area_average, refuses_what_is_not_smaller_or_outside)
+TEST(every_routine, refuses_sizes_it_cannot_reach_and_writes_nothing)
 {
+    enum which { up, cubic, area };
     constexpr struct {
-        size to;
-        isp_roi roi;
-        uint32_t status;
-    } cases[] = {{{6, 3}, {0, 0, 6, 6}, 32}, {{3, 6}, {0, 0, 6, 6}, 32}, {{2, 3}, {0, 0, 6, 6}, 32},
-                 {{3, 2}, {0, 0, 6, 6}, 32}, {{3, 3}, {6, 0, 0, 6}, 32}, {{3, 3}, {0, 6, 6, 0}, 32},
-                 {{3, 3}, {1, 0, 6, 6}, 32}, {{3, 3}, {0, 1, 6, 6}, 32}, {{3, 3}, {1, 0, 65535, 6}, 32},
-                 {{3, 3}, {5, 5, 1, 1}, 0}};
+        which routine;
+        scaling sizes;
+        isp_roi roi = {0, 0, 6, 6};
+    } cases[] = {{up, {{3, 3}, {2, 9}}},
+                 {up, {{3, 3}, {9, 2}}},
+                 {up, {{2, 1}, {1, 1}}},
+                 {up, {{1, 3}, {1, 3}}},
+                 {up, {{3, 1}, {3, 1}}},
+                 {up, {{0, 3}, {4, 4}}},
+                 {up, {{3, 0}, {4, 4}}},
+                 {cubic, {{2, 2}, {2, 1}}},
+                 {cubic, {{2, 2}, {1, 2}}},
+                 {cubic, {{2, 0}, {2, 2}}},
+                 {cubic, {{0, 2}, {2, 2}}},
+                 {cubic, {{2, 2}, {2, 0}}},
+                 {cubic, {{2, 2}, {0, 2}}},
+                 {area, {{6, 6}, {6, 3}}},
+                 {area, {{6, 6}, {3, 6}}},
+                 {area, {{6, 6}, {2, 3}}},
+                 {area, {{6, 6}, {3, 2}}},
+                 {area, {{6, 6}, {3, 3}}, {6, 0, 0, 6}},
+                 {area, {{6, 6}, {3, 3}}, {0, 6, 6, 0}},
+                 {area, {{6, 6}, {3, 3}}, {1, 0, 65535, 6}},
+                 {area, {{6, 6}, {3, 3}}, {0, 1, 6, 6}}};
     const std::vector<float> samples(36, 2.0f);
-    for (const auto &c : cases) {
-        std::vector<uint16_t> out(36, untouched);
-        const float *src = samples.data();
-        uint16_t *dst = out.data();
-        EXPECT_EQ(image_downscale_32f_to_u16p10(&src, &dst, 6, 6, c.to.width, c.to.height, 1, &c.roi), c.status);
-        EXPECT_EQ(std::count(out.begin(), out.end(), untouched), c.status == 0 ? 27 : 36);
+    const uint8_t bytes[9] = {};
+    const uint8_t *byte_plane = bytes;
+    const float *src = samples.data();
+    for (const auto &[routine, sizes, roi] : cases) {
+        const auto &[from, to] = sizes;
+        std::vector<uint16_t> p10(36, untouched);
+        std::vector<float> values(36, 7.0f);
+        uint16_t *dst = p10.data();
+        float *dst_values = values.data();
+        uint32_t status = 0;
+        testing::internal::CaptureStderr();
+        if (routine == up)
+            status = image_bicubic_upscale_uint8_to_float(&byte_plane, &dst_values, from.width, from.height, to.width,
+                                                          to.height, 1);
+        else if (routine == cubic)
+            status = bicubic_resize_32f_to_u16p10(src, from.height, from.width, dst, to.height, to.width);
+        else
+            status = image_downscale_32f_to_u16p10(&src, &dst, from.width, from.height, to.width, to.height, 1, &roi);
+        const bool shrinking = to.width < from.width || to.height < from.height;
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), routine == up && shrinking ? "qz[0] Not upscaling\n" : "")
+            << sizes;
+        EXPECT_EQ(status, to.area() == 0 ? 0u : 32u) << routine << ' ' << sizes;
+        EXPECT_EQ(values, std::vector<float>(36, 7.0f));
+        EXPECT_EQ(p10, std::vector<uint16_t>(36, untouched));
     }
 }
 

@@ -1,6 +1,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <numeric>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -11,24 +12,6 @@
 namespace {
 
 using floats = std::vector<float>;
-
-uint32_t transpose(strided_matrix &from, strided_matrix &to)
-{
-    return transpose_m(from.data(), from.row_stride, from.column_stride, from.columns, from.rows, to.data(),
-                       to.row_stride, to.column_stride);
-}
-
-uint32_t multiply(strided_matrix &a, strided_matrix &b, strided_matrix &c)
-{
-    return mul_mm(a.data(), a.row_stride, a.column_stride, a.columns, a.rows, b.data(), b.row_stride, b.column_stride,
-                  b.columns, b.rows, c.data(), c.row_stride, c.column_stride);
-}
-
-uint32_t factorise(strided_matrix &a, std::vector<uint32_t> &index, strided_matrix &out)
-{
-    return lu_decomposition_m(a.data(), a.row_stride, a.column_stride, index.data(), out.data(), out.row_stride,
-                              out.column_stride, a.rows);
-}
 
 // Row-major values with the same bits, any not-a-number like any other.
 std::vector<uint32_t> bits(const strided_matrix &m)
@@ -69,183 +52,134 @@ strided_matrix factors_one_by_one(const strided_matrix &a)
 TEST(transpose_m, moves_every_element_and_nothing_else_in_every_layout)
 {
     std::mt19937 random(1);
-    constexpr std::array<std::array<int, 2>, 9> shapes = {
-        {{1, 1}, {2, 3}, {1, 70}, {65, 1}, {8, 8}, {16, 48}, {17, 33}, {64, 64}, {70, 129}}};
-    for (const auto &[rows, columns] : shapes) {
-        for (const layout from : every_layout) {
+    constexpr int shapes[][2] = {{1, 1}, {2, 3}, {1, 70}, {65, 1}, {16, 48}, {17, 33}, {64, 64}, {70, 129}};
+    for (const auto &[rows, columns] : shapes)
+        for (const layout from : every_layout)
             for (const layout to : every_layout) {
                 strided_matrix source(rows, columns, from);
                 strided_matrix target(columns, rows, to);
                 source.fill(random);
-                EXPECT_EQ(transpose(source, target), 0u);
+                EXPECT_EQ(transpose_m(source.data(), source.row_stride, source.column_stride, columns, rows,
+                                      target.data(), target.row_stride, target.column_stride),
+                          0u);
                 EXPECT_TRUE(target.padding_untouched());
                 for (int r = 0; r < rows; ++r)
                     for (int c = 0; c < columns; ++c)
                         ASSERT_EQ(target.at(c, r), source.at(r, c)) << rows << 'x' << columns << ' ' << int(from);
             }
-        }
-    }
 }
 
-TEST(transpose_m, writes_nothing_without_rows_or_columns)
-{
-    strided_matrix source(2, 2, layout::dense);
-    strided_matrix target(2, 2, layout::dense);
-    for (const auto &[columns, rows] : {std::array{2, 0}, {2, -1}, {0, 2}, {-1, 2}})
-        EXPECT_EQ(transpose_m(source.data(), 8, 4, columns, rows, target.data(), 8, 4), 0u);
-    EXPECT_TRUE(target.untouched());
-}
-
-TEST(transpose_m, last_element_of_a_row_stays_where_targets_share_an_address)
+TEST(transpose_m, writes_nothing_without_rows_or_columns_and_in_order_where_targets_share_an_address)
 {
     const floats source = {1, 2, 3, 4, 5, 6};
-    floats target(3, 0.0f);
+    floats target(3, 7.0f);
+    for (const auto &[columns, rows] : {std::array{2, 0}, {2, -1}, {0, 2}, {-1, 2}})
+        EXPECT_EQ(transpose_m(source.data(), 8, 4, columns, rows, target.data(), 8, 4), 0u);
+    EXPECT_EQ(target, floats(3, 7.0f));
     transpose_m(source.data(), 12, 4, 3, 2, target.data(), 4, 0);
     EXPECT_EQ(target, (floats{4, 5, 6}));
 }
 
-TEST(mul_mm, products_worked_by_hand)
+TEST(mul_mm, sizes_that_do_not_match_empty_ones_and_shared_rows)
 {
+    constexpr struct {
+        int32_t a_columns, a_rows, b_columns, b_rows, c_row_stride;
+        uint32_t status;
+        std::array<float, 4> c;
+    } cases[] = {
+        {3, 2, 3, 2, 8, 32, {7, 7, 7, 7}},  {3, 0, 1, 3, 8, 0, {7, 7, 7, 7}}, {3, -2, 2, 3, 8, 0, {7, 7, 7, 7}},
+        {3, 2, -2, 3, 8, 0, {7, 7, 7, 7}},  {0, 2, 2, 0, 8, 0, {0, 0, 0, 0}}, {3, 2, 2, 3, 8, 0, {22, 28, 49, 64}},
+        {3, 2, 2, 3, 0, 0, {49, 64, 7, 7}}, // the last row stays
+    };
     const floats a = {1, 2, 3, 4, 5, 6};
-    floats c(4, -1.0f);
-    EXPECT_EQ(mul_mm(a.data(), 12, 4, 3, 1, a.data(), 4, 4, 1, 3, c.data(), 4, 4), 0u);
-    EXPECT_EQ(c[0], 14.0f);
-    EXPECT_EQ(mul_mm(a.data(), 12, 4, 3, 2, a.data(), 8, 4, 2, 3, c.data(), 8, 4), 0u);
-    EXPECT_EQ(c, (floats{22, 28, 49, 64}));
-}
-
-TEST(mul_mm, sizes_that_do_not_match_and_empty_ones)
-{
-    strided_matrix c(2, 2, layout::dense);
-    const floats a(6, 1.0f);
-    EXPECT_EQ(mul_mm(a.data(), 12, 4, 3, 2, a.data(), 12, 4, 3, 2, c.data(), 8, 4), 32u);
-    EXPECT_EQ(mul_mm(a.data(), 12, 4, 3, 0, a.data(), 4, 4, 1, 3, c.data(), 8, 4), 0u);
-    EXPECT_EQ(mul_mm(a.data(), 12, 4, 3, -2, a.data(), 8, 4, 2, 3, c.data(), 8, 4), 0u);
-    EXPECT_EQ(mul_mm(a.data(), 12, 4, 3, 2, a.data(), 8, 4, -2, 3, c.data(), 8, 4), 0u);
-    EXPECT_TRUE(c.untouched());
-    EXPECT_EQ(mul_mm(a.data(), 0, 4, 0, 2, a.data(), 8, 4, 2, 0, c.data(), 8, 4), 0u);
-    EXPECT_EQ(bits(c), (std::vector<uint32_t>{0, 0, 0, 0}));
-}
-
-TEST(mul_mm, sums_in_order_from_zero_and_rounds_every_product)
-{
-    const floats a = {1e8f, 1.0f, -1e8f};
-    const floats ones = {1.0f, 1.0f, 1.0f};
-    float c = -1.0f;
-    mul_mm(a.data(), 12, 4, 3, 1, ones.data(), 4, 4, 1, 3, &c, 4, 4);
-    EXPECT_EQ(c, 0.0f); // 1e8 + 1 is 1e8 in single precision
-
-    const floats x = {-1.0f, 1.0f + 0x1p-12f};
-    const floats y = {1.0f, 1.0f + 0x1p-12f};
-    mul_mm(x.data(), 8, 4, 2, 1, y.data(), 4, 4, 1, 2, &c, 4, 4);
-    EXPECT_EQ(c, 0x1p-11f); // a fused step would keep 2^-24
-
+    for (const auto &t : cases) {
+        std::array<float, 4> c = {7, 7, 7, 7};
+        EXPECT_EQ(mul_mm(a.data(), 12, 4, t.a_columns, t.a_rows, a.data(), 8, 4, t.b_columns, t.b_rows, c.data(),
+                         t.c_row_stride, 4),
+                  t.status);
+        EXPECT_EQ(c, t.c) << t.a_columns << ' ' << t.a_rows << ' ' << t.b_columns << ' ' << t.c_row_stride;
+    }
     const float negative_zero = -0.0f;
-    mul_mm(&negative_zero, 4, 4, 1, 1, ones.data(), 4, 4, 1, 1, &c, 4, 4);
-    EXPECT_FALSE(std::signbit(c)); // 0 + -0
+    float sum = -1.0f;
+    mul_mm(&negative_zero, 4, 4, 1, 1, a.data(), 4, 4, 1, 1, &sum, 4, 4);
+    EXPECT_FALSE(std::signbit(sum)); // 0 + -0
 }
 
 TEST(mul_mm, every_shape_and_layout_gives_the_bits_of_outer_products)
 {
     std::mt19937 random(2);
-    constexpr std::array<std::array<int, 3>, 15> shapes = {{{1, 1, 1},
-                                                            {2, 3, 5},
-                                                            {15, 40, 15},
-                                                            {15, 300, 15},
-                                                            {64, 64, 64},
-                                                            {5, 300, 17},
-                                                            {33, 7, 31},
-                                                            {1, 19, 90},
-                                                            {90, 19, 1},
-                                                            {16, 256, 16},
-                                                            {23, 1, 47},
-                                                            {70, 16, 100},
-                                                            {8, 257, 32},
-                                                            {81, 129, 33},
-                                                            {4, 8, 150}}};
-    for (const auto &[rows, inner, columns] : shapes) {
+    constexpr int shapes[][3] = {{1, 1, 1},     {2, 3, 5},    {15, 300, 15}, {64, 64, 64},  {5, 300, 17},
+                                 {33, 7, 31},   {1, 19, 90},  {90, 19, 1},   {16, 256, 16}, {23, 1, 47},
+                                 {70, 16, 100}, {8, 257, 32}, {81, 129, 33}, {4, 8, 150}};
+    for (const auto &[rows, inner, columns] : shapes)
         for (const layout how : every_layout) {
             strided_matrix a(rows, inner, every_layout[random() % 7]);
             strided_matrix b(inner, columns, how);
             strided_matrix c(rows, columns, every_layout[random() % 7]);
             a.fill(random);
             b.fill(random);
-            EXPECT_EQ(multiply(a, b, c), 0u);
+            EXPECT_EQ(mul_mm(a.data(), a.row_stride, a.column_stride, inner, rows, b.data(), b.row_stride,
+                             b.column_stride, columns, inner, c.data(), c.row_stride, c.column_stride),
+                      0u);
             EXPECT_TRUE(c.padding_untouched());
             EXPECT_EQ(bits(c), bits(outer_products(a, b))) << rows << 'x' << inner << 'x' << columns;
         }
-    }
-}
-
-TEST(mul_mm, last_row_stays_where_rows_of_the_product_share_addresses)
-{
-    const floats a = {1, 2, 3, 4};
-    floats c(2);
-    EXPECT_EQ(mul_mm(a.data(), 8, 4, 2, 2, a.data(), 8, 4, 2, 2, c.data(), 0, 4), 0u);
-    EXPECT_EQ(c, (floats{15, 22}));
 }
 
 TEST(lu_decomposition_m, factors_worked_by_hand)
 {
-    floats a = {4, 3, 6, 3};
-    std::array<uint32_t, 2> index = {7, 7};
-    floats out(4);
-    EXPECT_EQ(lu_decomposition_m(a.data(), 8, 4, index.data(), out.data(), 8, 4, 2), 0u);
-    EXPECT_EQ(out, (floats{4, 3, 1.5, -1.5}));
-    EXPECT_EQ(index, (std::array<uint32_t, 2>{0, 1}));
-    EXPECT_EQ(lu_decomposition_m(a.data(), 4, 8, index.data(), out.data(), 8, 4, 2), 0u); // of the transpose
-    EXPECT_EQ(out, (floats{4, 6, 0.75, -1.5}));
-    EXPECT_EQ(lu_decomposition_m(a.data(), 4, 4, index.data(), out.data(), 8, 4, 2), 0u); // of 4 3, 3 6
-    EXPECT_EQ(out, (floats{4, 3, 0.75, 3.75}));
-    EXPECT_EQ(lu_decomposition_m(a.data(), 8, 4, index.data(), a.data(), 8, 4, 2), 0u); // in place
-    EXPECT_EQ(a, (floats{4, 3, 1.5, -1.5}));
+    constexpr struct {
+        int32_t row_stride, column_stride;
+        std::array<float, 4> factors;
+    } cases[] = {{8, 4, {4, 3, 1.5, -1.5}},
+                 {4, 8, {4, 6, 0.75, -1.5}},  // of the transpose
+                 {4, 4, {4, 3, 0.75, 3.75}}}; // of 4 3, 3 6
+    for (const auto &c : cases) {
+        std::array<float, 4> a = {4, 3, 6, 3};
+        std::array<uint32_t, 2> index = {7, 7};
+        EXPECT_EQ(lu_decomposition_m(a.data(), c.row_stride, c.column_stride, index.data(), a.data(), 8, 4, 2), 0u);
+        EXPECT_EQ(a, c.factors); // in place
+    }
 }
 
 TEST(lu_decomposition_m, every_size_and_layout_gives_the_bits_of_element_by_element_factors)
 {
     std::mt19937 random(3);
-    for (const int n : {1, 2, 3, 7, 15, 16, 17, 31, 32, 33, 48, 63, 100, 128, 131}) {
+    for (const int n : {1, 2, 3, 7, 15, 16, 17, 31, 32, 33, 48, 63, 100, 128, 131})
         for (const layout how : every_layout) {
             strided_matrix a(n, n, n % 2 != 0 && how == layout::transposed ? layout::transposed : layout::dense);
             strided_matrix out(n, n, how);
             std::vector<uint32_t> index(static_cast<size_t>(n), 77);
+            std::vector<uint32_t> in_order(index.size());
+            std::iota(in_order.begin(), in_order.end(), 0u);
             a.fill(random);
+            if (how == layout::padded)
+                a.set(0, 0, 0.0f); // a pivot of zero spreads
             const std::vector<uint32_t> before = bits(a);
-            EXPECT_EQ(factorise(a, index, out), 0u);
+            EXPECT_EQ(lu_decomposition_m(a.data(), a.row_stride, a.column_stride, index.data(), out.data(),
+                                         out.row_stride, out.column_stride, n),
+                      0u);
             EXPECT_EQ(bits(a), before);
             EXPECT_TRUE(out.padding_untouched());
             EXPECT_EQ(bits(out), bits(factors_one_by_one(a))) << n << ' ' << int(how);
-            for (int k = 0; k < n; ++k)
-                EXPECT_EQ(index[static_cast<size_t>(k)], static_cast<uint32_t>(k));
+            EXPECT_EQ(index, in_order);
         }
-    }
-}
-
-TEST(lu_decomposition_m, zero_pivot_spreads_and_still_succeeds)
-{
-    strided_matrix a(33, 33, layout::dense);
-    std::mt19937 random(4);
-    a.fill(random);
-    a.set(0, 0, 0.0f);
-    strided_matrix out(33, 33, layout::dense);
-    std::vector<uint32_t> index(33);
-    EXPECT_EQ(factorise(a, index, out), 0u);
-    EXPECT_TRUE(std::isinf(out.at(32, 0)));
-    EXPECT_EQ(bits(out), bits(factors_one_by_one(a)));
 }
 
 TEST(lu_decomposition_m, sizes_and_strides_that_cannot_be_worked_on)
 {
+    constexpr struct {
+        int32_t row_stride, size;
+        uint32_t status;
+    } cases[] = {{0, 0, 0}, {4, -2, 0}, {131072, 32768, 4}, {12, 2, 32}, {-8, 2, 32}}; // 12: would leave the work copy
     const float a = 1.0f;
-    uint32_t index = 77;
-    strided_matrix out(1, 1, layout::dense);
-    EXPECT_EQ(lu_decomposition_m(&a, 0, 4, &index, out.data(), 0, 4, 0), 0u);
-    EXPECT_EQ(lu_decomposition_m(&a, 4, 4, &index, out.data(), 4, 4, -2), 0u);
-    EXPECT_EQ(lu_decomposition_m(&a, 131072, 4, &index, out.data(), 131072, 4, 32768), 4u);
-    EXPECT_EQ(lu_decomposition_m(&a, 12, 4, &index, out.data(), 8, 4, 2), 32u); // would leave the work copy
-    EXPECT_EQ(lu_decomposition_m(&a, -8, 4, &index, out.data(), 8, 4, 2), 32u);
-    EXPECT_TRUE(out.untouched());
-    EXPECT_EQ(index, 77u);
+    for (const auto &c : cases) {
+        uint32_t index = 77;
+        float out = 7.0f;
+        EXPECT_EQ(lu_decomposition_m(&a, c.row_stride, 4, &index, &out, 8, 4, c.size), c.status) << c.row_stride;
+        EXPECT_EQ(out, 7.0f);
+        EXPECT_EQ(index, 77u);
+    }
 }
 
 struct normal_fit {
@@ -274,23 +208,20 @@ TEST(lu_decomposition, design_rows_worked_by_hand)
 
 TEST(lu_decomposition, leaves_transpose_and_factors_of_the_normal_matrix)
 {
-    for (const auto &[width, height] :
-         {std::array<uint16_t, 2>{1, 1}, {17, 13}, {63, 47}, {64, 64}, {65, 5}, {300, 3}}) {
-        normal_fit fit(width, height);
+    constexpr uint16_t grids[][2] = {{1, 1}, {17, 13}, {63, 47}, {64, 64}, {65, 5}, {300, 3}};
+    for (const auto &[width, height] : grids) {
+        const normal_fit fit(width, height);
         const int points = width * height;
-        for (int p = 0; p < points; ++p)
-            for (int k = 0; k < 15; ++k)
-                ASSERT_EQ(fit.transposed[static_cast<size_t>(k * points + p)],
-                          fit.design[static_cast<size_t>(p * 15 + k)]);
-        strided_matrix terms(15, points, layout::dense);
-        strided_matrix normal(15, 15, layout::dense);
-        strided_matrix out(15, 15, layout::dense);
-        std::memcpy(terms.data(), fit.transposed.data(), fit.transposed.size() * sizeof(float));
-        mul_mm(terms.data(), points * 4, 4, points, 15, terms.data(), 4, points * 4, 15, points, normal.data(), 60, 4);
-        std::memcpy(out.data(), fit.out.data(), 225 * sizeof(float));
-        EXPECT_EQ(bits(out), bits(factors_one_by_one(normal))) << width << 'x' << height;
+        floats transposed(fit.design.size()), normal(225), factors(225);
+        std::vector<uint32_t> index(15);
+        transpose_m(fit.design.data(), 60, 4, 15, points, transposed.data(), 4 * points, 4);
+        mul_mm(transposed.data(), 4 * points, 4, points, 15, fit.design.data(), 60, 4, 15, points, normal.data(), 60,
+               4);
+        lu_decomposition_m(normal.data(), 60, 4, index.data(), factors.data(), 60, 4, 15);
+        EXPECT_EQ(fit.transposed, transposed);
+        EXPECT_EQ(std::memcmp(fit.out.data(), factors.data(), 900), 0) << width << 'x' << height;
+        EXPECT_EQ(fit.index, index);
         EXPECT_EQ(fit.status, 0u);
-        EXPECT_EQ(fit.index[14], 14u);
     }
 }
 

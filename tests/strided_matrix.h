@@ -65,11 +65,6 @@ class strided_matrix {
         return std::all_of(rest.begin(), rest.end(), [](unsigned char byte) { return byte == filler; });
     }
 
-    bool untouched() const
-    {
-        return std::all_of(bytes_->begin(), bytes_->end(), [](unsigned char byte) { return byte == filler; });
-    }
-
     int rows, columns;
     int32_t row_stride, column_stride;
 
