@@ -143,15 +143,15 @@ TEST(block_maximum, tiles_the_source)
         }
 }
 
-// In place, so that what is written shows.
 template <typename T, typename... Mode>
 void expect_refused(int bad, int32_t value, Mode... mode)
 {
     int32_t s[4] = {2, 2, 2, 2};
     s[bad] = value;
-    std::vector<T> samples(4, 9);
-    EXPECT_EQ(scale(samples.data(), {s[0], s[1]}, samples.data(), {s[2], s[3]}, mode...), 32u) << bad << ' ' << value;
-    EXPECT_EQ(samples, std::vector<T>(4, 9));
+    const std::vector<T> src(4, 1);
+    std::vector<T> dst(4, 9);
+    EXPECT_EQ(scale(src.data(), {s[0], s[1]}, dst.data(), {s[2], s[3]}, mode...), 32u) << bad << ' ' << value;
+    EXPECT_EQ(dst, std::vector<T>(4, 9));
 }
 
 TEST(nearest_neighbour, refuses_bad_sizes_and_writes_nothing)

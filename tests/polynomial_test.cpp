@@ -68,8 +68,8 @@ TEST(do_polynomial_upscale, sizes_at_the_edge)
 TEST(do_polynomial_upscale, large_and_odd_grids_follow_the_polynomial)
 {
     const floats c = random_coefficients(2);
-    constexpr std::array<std::array<uint16_t, 4>, 5> grids = {
-        {{17, 13, 63, 47}, {2, 2, 600, 3}, {9, 7, 257, 2}, {5, 4, 31, 40}, {63, 47, 17, 13}}};
+    constexpr uint16_t grids[][4] = {
+        {17, 13, 63, 47}, {2, 2, 600, 3}, {9, 7, 257, 2}, {5, 4, 31, 40}, {63, 47, 17, 13}};
     for (const auto &[in_w, in_h, out_w, out_h] : grids) {
         const floats out = upscale(c, in_w, in_h, out_w, out_h);
         for (int j = 0; j < out_h; ++j)

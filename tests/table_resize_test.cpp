@@ -103,17 +103,16 @@ TEST(mixed_tables, weigh_both_tables_and_the_gain)
 template <typename T, typename Width>
 using resizer = uint32_t (*)(const T *, Width, int32_t, T *, Width, int32_t);
 
-// In place, so that what is written shows.
 template <typename T, typename Width>
 void expect_refused(resizer<T, Width> resize, int bad, int32_t value)
 {
     int32_t s[4] = {2, 2, 2, 2};
     s[bad] = value;
-    std::vector<T> samples(4, 9);
-    EXPECT_EQ(resize(samples.data(), static_cast<Width>(s[0]), s[1], samples.data(), static_cast<Width>(s[2]), s[3]),
-              32u)
+    const std::vector<T> src(4, 1);
+    std::vector<T> dst(4, 9);
+    EXPECT_EQ(resize(src.data(), static_cast<Width>(s[0]), s[1], dst.data(), static_cast<Width>(s[2]), s[3]), 32u)
         << bad << ' ' << value;
-    EXPECT_EQ(samples, std::vector<T>(4, 9));
+    EXPECT_EQ(dst, std::vector<T>(4, 9));
 }
 
 TEST(table_resizing, refuses_bad_counts_and_writes_nothing)
