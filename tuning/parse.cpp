@@ -76,7 +76,7 @@ class walk_stack {
     }
 
     static constexpr size_t few = 16;
-    walk_level few_[few];
+    walk_level few_[few] = {};
     walk_level *levels_ = few_;
     size_t size_ = 0;
     size_t capacity_ = few;

@@ -26,8 +26,8 @@
 QZ_ISP_API void interpolate_gain_value(float *sample, uint32_t stride, uint32_t mode);
 
 /**
- * Fills an extended buffer from one plane of 16-bit samples. A plane one sample wide or high is extrapolated from border
- * samples that are not yet there: they count as 0. A plane without samples gives zeros.
+ * Fills an extended buffer from one plane of 16-bit samples. A plane one sample wide or high is extrapolated from
+ * border samples that are not yet there: they count as 0. A plane without samples gives zeros.
  *
  * @param src    height rows of width samples
  * @param buffer (width + 3) * (height + 3) floats, owned by the caller; all of them are written

@@ -41,8 +41,8 @@ QZ_ISP_API uint32_t mul_mm(const void *a, int32_t a_row_stride, int32_t a_column
  * @param out_row_stride    its strides
  * @param out_column_stride see above
  * @param n                 rows and columns
- * @return 0; with nothing written, 4 when the work copy cannot be allocated (its n * n floats must also fit 32 bits) and
- *         32 when A's strides lead out of it
+ * @return 0; with nothing written, 4 when the work copy cannot be allocated (its n * n floats must also fit 32 bits)
+ * and 32 when A's strides lead out of it
  */
 QZ_ISP_API uint32_t lu_decomposition_m(const void *a, int32_t a_row_stride, int32_t a_column_stride, uint32_t *index,
                                        void *out, int32_t out_row_stride, int32_t out_column_stride, int32_t n);

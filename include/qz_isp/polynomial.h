@@ -13,8 +13,8 @@
 
 /**
  * Evaluates a polynomial on an output grid that spans (1, 1) to (in_w, in_h). An axis with one output sample is
- * evaluated at coordinate 1. All in single precision: a term is its coefficient times its monomial, the monomial a power
- * of x times a power of y, and the terms are added in their order.
+ * evaluated at coordinate 1. All in single precision: a term is its coefficient times its monomial, the monomial a
+ * power of x times a power of y, and the terms are added in their order.
  *
  * @param out    receives out_w * out_h floats, row after row
  * @param coeffs 15 coefficients
