@@ -46,6 +46,7 @@ install(
 
 # One file per library; the prefix is taken from where the file lies, so that an installed tree can be moved.
 file(RELATIVE_PATH from_pc_to_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" from_pc_to_prefix ${from_pc_to_prefix})
 function(install_pc_file name description requires_private)
   configure_file(cmake/library.pc.in ${name}.pc @ONLY)
   install(

@@ -42,17 +42,17 @@ endfunction()
 set(library_package libqz-isp${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 set(same_version "(= ${PROJECT_VERSION})")
 if(NOT QZ_ISP_PLATFORM_DIR)
-debian_package(
-  platform libqz-isp-platform libs "stand-ins for a camera device's log and makernote libraries"
-  "libqz_log writes to standard error, libqz_mkn keeps makernote records in
+  debian_package(
+    platform libqz-isp-platform libs "stand-ins for a camera device's log and makernote libraries"
+    "libqz_log writes to standard error, libqz_mkn keeps makernote records in
 memory. On a device, its own libraries take their place."
-  ${libc})
+    ${libc})
 endif()
 debian_package(
   runtime ${library_package} libs "parameter library of a camera image signal processor"
   "Computes the hardware parameters of every camera frame from the sensor's
 tuning container, the results of the 3A algorithms and the user's settings."
-  "libqz-isp-platform ${same_version}" ${libc})
+  libqz-isp-platform ${libc})
 debian_package(
   devel libqz-isp-dev libdevel "parameter library of a camera image signal processor: development files"
   "Headers, CMake package, pkg-config files, examples and documents of libqz_isp."
@@ -62,7 +62,7 @@ if(TARGET qz-isp)
     tools qz-isp utils "shows the parameters that a camera tuning gives for a frame"
     "Runs frames of a scene through libqz_isp, prints the hardware record, and
 packs and shows tuning containers."
-    "${library_package} ${same_version}" "libqz-isp-platform ${same_version}" ${libc} ${libcxx})
+    "${library_package} ${same_version}" ${libc} ${libcxx})
 endif()
 
 include(CPack)
