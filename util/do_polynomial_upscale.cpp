@@ -152,6 +152,8 @@ void do_polynomial_upscale(float *out, const float *coeffs, uint16_t in_w, uint1
                            uint16_t out_h)
 {
     const auto width = static_cast<uint16_t>(out_w);
+    if (width == 0 || out_h == 0)
+        return; // without reading the coefficients: there may be none
     evaluation job = {out, width, out_h, spacing(in_w, width), spacing(in_h, out_h), {}};
     std::copy_n(coeffs, qz::polynomial_terms, job.all.c);
     qz::run_widest(job);

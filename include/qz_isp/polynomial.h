@@ -17,7 +17,7 @@
  * power of x times a power of y, and the terms are added in their order.
  *
  * @param out    receives out_w * out_h floats, row after row
- * @param coeffs 15 coefficients
+ * @param coeffs 15 coefficients, not read when there is no output sample
  * @param in_w   columns of the grid that the coefficients were fitted to
  * @param in_h   its rows
  * @param out_w  output columns, its low 16 bits are used
