@@ -132,6 +132,10 @@ TEST(scene, errors_name_the_field_what_was_found_and_what_was_expected)
         {R"({"frames": [{"effects": ["sepia"]}]})",
          "s.json: frames[0].effects[0]: found \"sepia\", expected one of macc_1"},
     };
+    std::string deep;
+    for (int i = 0; i < 100000; ++i)
+        deep += "{\"a\":";
+    EXPECT_EQ(error_of(deep), "s.json: found values nested more than 256 deep, expected fewer levels");
     for (const auto &[text, expected] : cases)
         EXPECT_EQ(error_of(text).substr(0, std::string_view(expected).size()), expected) << text;
 }

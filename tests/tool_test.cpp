@@ -218,6 +218,8 @@ TEST_F(program, reports_errors_with_exit_codes)
         {"run --raw x --json", 2, "excludes"},
         {"run --frame 4", 2, "--frame: found \"4\", expected 0 to 3, a frame's name, or all"},
         {"run --tuning - --scene - < short", 2, "found standard input for both"},
+        {"run --tuning ''", 1, "qz-isp: : cannot be opened"},
+        {"run --frame ''", 2, "--frame: found \"\""},
         {"tuning", 2, "subcommand is required"},
         {"tuning pack rows.json", 2, "OUT is required"},
         {"run --tuning absent", 1, "qz-isp: absent: cannot be opened: No such file"},

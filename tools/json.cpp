@@ -15,6 +15,9 @@ namespace qz::tool {
 
 namespace {
 
+// Copying and merging values costs stack for every level.
+constexpr int max_depth = 256;
+
 std::string line_and_column(std::string_view text, size_t offset)
 {
     const std::string_view before = text.substr(0, std::min(offset, text.size()));
@@ -50,7 +53,9 @@ std::string description(const json &value)
 json parse_json(const std::string &file, std::string_view text)
 {
     std::vector<std::set<std::string>> names;
-    const auto callback = [&](int, json::parse_event_t event, json &parsed) {
+    const auto callback = [&](int depth, json::parse_event_t event, json &parsed) {
+        if (depth > max_depth)
+            throw file_error(file, "", fmt::format("values nested more than {} deep", max_depth), "fewer levels");
         if (event == json::parse_event_t::object_start)
             names.emplace_back();
         else if (event == json::parse_event_t::object_end)

@@ -1,5 +1,6 @@
 #include <charconv>
 #include <memory>
+#include <optional>
 
 #include <fmt/format.h>
 
@@ -17,28 +18,28 @@ namespace {
 constexpr const char *sample_name = "the embedded sample";
 
 struct run_options {
-    std::string tuning;
-    std::string scene;
-    std::string frame;
-    std::string raw;
+    std::optional<std::string> tuning;
+    std::optional<std::string> scene;
+    std::optional<std::string> frame;
+    std::optional<std::string> raw;
     bool as_json = false;
     bool all = false;
 };
 
-scene load_scene(const std::string &file)
+scene load_scene(const std::optional<std::string> &file)
 {
-    if (file.empty())
+    if (!file)
         return read_scene(sample_name, sample_scene);
-    const byte_buffer bytes = read_file(file);
-    return read_scene(input_name(file), {reinterpret_cast<const char *>(bytes.data()), bytes.size()});
+    const byte_buffer bytes = read_file(*file);
+    return read_scene(input_name(*file), {reinterpret_cast<const char *>(bytes.data()), bytes.size()});
 }
 
-byte_buffer load_container(const std::string &file)
+byte_buffer load_container(const std::optional<std::string> &file)
 {
-    if (file.empty())
+    if (!file)
         return pack_container(sample_name, sample_tuning);
-    const std::string name = input_name(file);
-    byte_buffer bytes = container_bytes(name, read_file(file));
+    const std::string name = input_name(*file);
+    byte_buffer bytes = container_bytes(name, read_file(*file));
     for (const tuning_problem &problem : read_container(name, bytes).problems) {
         if (problem.error)
             throw file_error(name, problem_text(problem));
@@ -47,22 +48,22 @@ byte_buffer load_container(const std::string &file)
 }
 
 // First and one past the last of the frames to show: the last one, one by number or name, or all.
-std::pair<size_t, size_t> chosen_frames(const scene &inputs, const std::string &choice)
+std::pair<size_t, size_t> chosen_frames(const scene &inputs, const std::optional<std::string> &choice)
 {
     const size_t count = inputs.frames.size();
-    if (choice.empty())
+    if (!choice)
         return {count - 1, count};
-    if (choice == "all")
+    if (*choice == "all")
         return {0, count};
     for (size_t i = 0; i < count; ++i) {
-        if (inputs.frames[i].name == choice)
+        if (!choice->empty() && inputs.frames[i].name == *choice)
             return {i, i + 1};
     }
     size_t index = count;
-    const char *end = choice.data() + choice.size();
-    if (std::from_chars(choice.data(), end, index).ptr != end || index >= count)
+    const char *end = choice->data() + choice->size();
+    if (std::from_chars(choice->data(), end, index).ptr != end || index >= count)
         throw usage_error(
-            fmt::format("--frame: found \"{}\", expected 0 to {}, a frame's name, or all", choice, count - 1));
+            fmt::format("--frame: found \"{}\", expected 0 to {}, a frame's name, or all", *choice, count - 1));
     return {index, index + 1};
 }
 
@@ -72,8 +73,8 @@ std::vector<computed_frame> compute(const run_options &options)
         throw usage_error("--tuning and --scene: found standard input for both, expected it for one");
     const scene inputs = load_scene(options.scene);
     const auto [first, last] = chosen_frames(inputs, options.frame);
-    isp_session session(load_container(options.tuning),
-                        options.tuning.empty() ? sample_name : input_name(options.tuning), inputs);
+    isp_session session(load_container(options.tuning), options.tuning ? input_name(*options.tuning) : sample_name,
+                        inputs);
     std::vector<computed_frame> frames;
     for (size_t i = 0; i < last; ++i) {
         const record_snapshot snapshot = session.run(inputs.frames[i]);
@@ -96,8 +97,8 @@ byte_buffer frames_bytes(const std::vector<computed_frame> &frames)
 void run(const run_options &options)
 {
     const std::vector<computed_frame> frames = compute(options);
-    if (!options.raw.empty())
-        write_file(options.raw, frames_bytes(frames));
+    if (options.raw)
+        write_file(*options.raw, frames_bytes(frames));
     else
         write_text("-", options.as_json ? frames_json(frames) : frames_text(frames, options.all));
 }

@@ -133,7 +133,6 @@ std::optional<gamma_inputs> read_gamma(const json_node &parent)
 
 void read_grid(const json_node &node, const shading_inputs &shading, std::vector<float> &gains)
 {
-    gains.reserve(size_t{shading.width} * shading.height);
     for (const json_node &row : node.items(shading.height)) {
         for (const json_node &item : row.items(shading.width))
             gains.push_back(item.single());
