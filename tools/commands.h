@@ -1,11 +1,36 @@
-// The commands of the program. Each adds itself to the command line and runs when it was chosen.
+// The commands of the program. Each takes its options from the command line and gives the exit code.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include <optional>
+#include <string>
+
+#include "inputs.h"
 
 namespace qz::tool {
 
-void add_run_command(CLI::App &app);
-void add_tuning_command(CLI::App &app);
+constexpr int exit_success = 0;
+constexpr int exit_failure = 1; // a file or its contents are wrong
+constexpr int exit_usage = 2;
+
+struct run_options {
+    input_files inputs;
+    std::optional<std::string> frame;
+    std::optional<std::string> raw;
+    bool as_json = false;
+    bool all = false;
+};
+int run(const run_options &options);
+
+struct pack_options {
+    std::string source;
+    std::string container;
+};
+int pack_tuning(const pack_options &options);
+
+struct show_options {
+    std::string file;
+    bool as_json = false;
+};
+int show_tuning(const show_options &options);
 
 } // namespace qz::tool

@@ -52,6 +52,29 @@ isp_lsc_params bind(const shading_inputs &lsc)
             {}};
 }
 
+// The library's view of a frame's inputs; valid while the inputs live.
+struct bound_frame {
+    explicit bound_frame(const frame_inputs &inputs)
+        : gamma(inputs.gamma ? bind(*inputs.gamma) : isp_gamma_params{}),
+          lsc(inputs.lsc ? bind(*inputs.lsc) : isp_lsc_params{}), params(inputs.controls)
+    {
+        params.frame = address_of(inputs.frame);
+        params.exposure = address_of(inputs.exposure);
+        params.scene = address_of(inputs.scene);
+        params.gamma = inputs.gamma ? &gamma : nullptr;
+        params.colour = address_of(inputs.colour);
+        params.lsc = inputs.lsc ? &lsc : nullptr;
+        params.aux_size = address_of(inputs.aux_size);
+        params.selection_list = inputs.selection_list ? inputs.selection_list->data() : nullptr;
+    }
+    bound_frame(const bound_frame &) = delete;
+    bound_frame &operator=(const bound_frame &) = delete;
+
+    isp_gamma_params gamma;
+    isp_lsc_params lsc;
+    isp_input_params params; // points to the members above
+};
+
 } // namespace
 
 isp_session::isp_session(byte_buffer container, const std::string &container_name, const scene &setup)
@@ -71,24 +94,23 @@ isp_session::isp_session(byte_buffer container, const std::string &container_nam
 
 record_snapshot isp_session::run(const frame_inputs &inputs)
 {
-    const isp_gamma_params gamma = inputs.gamma ? bind(*inputs.gamma) : isp_gamma_params{};
-    const isp_lsc_params lsc = inputs.lsc ? bind(*inputs.lsc) : isp_lsc_params{};
-
-    isp_input_params params = inputs.controls;
-    params.frame = address_of(inputs.frame);
-    params.exposure = address_of(inputs.exposure);
-    params.scene = address_of(inputs.scene);
-    params.gamma = inputs.gamma ? &gamma : nullptr;
-    params.colour = address_of(inputs.colour);
-    params.lsc = inputs.lsc ? &lsc : nullptr;
-    params.aux_size = address_of(inputs.aux_size);
-    params.selection_list = inputs.selection_list ? inputs.selection_list->data() : nullptr;
-
+    const bound_frame frame(inputs);
     isp_output_desc output = {nullptr, 0};
-    const uint32_t status = qz_isp_2_7_run(context_.get(), &params, &output);
+    const uint32_t status = qz_isp_2_7_run(context_.get(), &frame.params, &output);
     if (status != ISP_SUCCESS || output.record == nullptr)
         throw std::runtime_error(fmt::format("the frame run failed with status {}", status));
     return take_snapshot(*output.record, output.bytes_used);
+}
+
+isp_tuning_set isp_session::selection(const frame_inputs &inputs) const
+{
+    const bound_frame frame(inputs);
+    const isp_input_params &params = frame.params;
+    isp_tuning_set selected;
+    tuningselector(params.tuning_mode, context_.get(), &context_->rules,
+                   params.frame != nullptr ? &params.frame->size : nullptr, params.aux_size, context_->set_count,
+                   params.selection_list, &selected);
+    return selected;
 }
 
 } // namespace qz::tool

@@ -16,8 +16,14 @@ class isp_session {
     // container_name is for error messages.
     isp_session(byte_buffer container, const std::string &container_name, const scene &setup);
 
-    // The record after the frame; nothing when the library did not report one.
+    // The record after the frame.
     record_snapshot run(const frame_inputs &inputs);
+
+    // The records that the library selects for the frame; they are the context's.
+    isp_tuning_set selection(const frame_inputs &inputs) const;
+
+    const isp_context &context() const { return *context_; }
+    byte_view container() const { return container_; }
 
   private:
     struct context_deleter {

@@ -1,0 +1,109 @@
+#include "command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <functional>
+
+#include <fmt/format.h>
+
+#include "commands.h"
+
+namespace qz::tool {
+
+namespace {
+
+// The command that was chosen, with its options.
+using chosen_command = std::function<int()>;
+
+void add_inputs(CLI::App &command, input_files &inputs)
+{
+    command.add_option("--tuning", inputs.tuning, "Tuning container, or its JSON source; else the sample")
+        ->type_name("FILE");
+    command.add_option("--scene", inputs.scene, "JSON file of frame inputs; else the sample")->type_name("FILE");
+}
+
+void add_frame(CLI::App &command, std::optional<std::string> &frame)
+{
+    command.add_option("--frame", frame, "Frame to show: its number from 0, its name, or all")->type_name("FRAME");
+}
+
+// Options live as long as the program; "chosen" runs the command once all of the line is read.
+template <typename Options>
+void on_choice(CLI::App &command, chosen_command &chosen, const std::shared_ptr<Options> &options,
+               int (*run)(const Options &))
+{
+    command.callback([&chosen, options, run] { chosen = [options, run] { return run(*options); }; });
+}
+
+void add_run(CLI::App &app, chosen_command &chosen)
+{
+    const auto options = std::make_shared<run_options>();
+    CLI::App *command = app.add_subcommand("run", "Compute the frames of a scene and print the record of the last one");
+    add_inputs(*command, options->inputs);
+    add_frame(*command, options->frame);
+    CLI::Option *as_json = command->add_flag("--json", options->as_json, "Print everything as JSON");
+    command->add_option("--raw", options->raw, "Write the record's bytes in use instead of printing")
+        ->type_name("FILE")
+        ->excludes(as_json);
+    command->add_flag("--all", options->all, "Print every value of every table")->excludes("--json")->excludes("--raw");
+    command->footer("FILE may be - for standard input or output.\n\n"
+                    "Example: the gain-dependent blocks of a scene of your own\n"
+                    "  qz-isp run --tuning sensor.vuxb --scene night.json --frame 0");
+    on_choice(*command, chosen, options, run);
+}
+
+void add_tuning_pack(CLI::App &group, chosen_command &chosen)
+{
+    const auto options = std::make_shared<pack_options>();
+    CLI::App *command = group.add_subcommand("pack", "Write a container from its JSON source");
+    command->add_option("SOURCE", options->source, "JSON source, or -")->required();
+    command->add_option("OUT", options->container, "Container to write, or -")->required();
+    command->footer("Example:\n  qz-isp tuning pack sensor.json sensor.vuxb");
+    on_choice(*command, chosen, options, pack_tuning);
+}
+
+void add_tuning_show(CLI::App &group, chosen_command &chosen)
+{
+    const auto options = std::make_shared<show_options>();
+    CLI::App *command = group.add_subcommand("show", "List a container's records and what is wrong with them");
+    command->add_option("FILE", options->file, "Container, or -")->required();
+    command->add_flag("--json", options->as_json, "Print the JSON source that packs to the same bytes");
+    command->footer("Exit code 1 when the library refuses the container.\n\n"
+                    "Example:\n  qz-isp tuning show sensor.vuxb");
+    on_choice(*command, chosen, options, show_tuning);
+}
+
+void add_tuning(CLI::App &app, chosen_command &chosen)
+{
+    CLI::App *group = app.add_subcommand("tuning", "Tuning containers and their JSON source");
+    group->require_subcommand(1);
+    group->footer("Example: change a value of a container\n"
+                  "  qz-isp tuning show --json sensor.vuxb > sensor.json\n"
+                  "  qz-isp tuning pack sensor.json sensor.vuxb");
+    add_tuning_pack(*group, chosen);
+    add_tuning_show(*group, chosen);
+}
+
+} // namespace
+
+int run_command_line(int argc, char **argv)
+{
+    CLI::App app("Shows the hardware parameters that a tuning container gives for the frames of a scene.", "qz-isp");
+    app.require_subcommand(1);
+    app.footer("Example: the record of a sample frame\n  qz-isp run\n\n"
+               "Exit codes: 0 done, 1 a file or its contents are wrong, 2 wrong use of the command line.");
+    app.failure_message([](const CLI::App *, const CLI::Error &error) {
+        return fmt::format("qz-isp: {}\nRun with --help for more information.\n", error.what());
+    });
+
+    chosen_command chosen;
+    add_run(app, chosen);
+    add_tuning(app, chosen);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        return app.exit(error) == 0 ? exit_success : exit_usage;
+    }
+    return chosen();
+}
+
+} // namespace qz::tool
