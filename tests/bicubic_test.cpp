@@ -305,7 +305,7 @@ TEST(area_average, of_disjoint_blocks_in_every_plane)
 
 TEST(every_routine, refuses_sizes_it_cannot_reach_and_writes_nothing)
 {
-    enum which { up, cubic, area };
+    enum which { up, resize, area };
     constexpr struct {
         which routine;
         scaling sizes;
@@ -317,12 +317,12 @@ TEST(every_routine, refuses_sizes_it_cannot_reach_and_writes_nothing)
                  {up, {{3, 1}, {3, 1}}},
                  {up, {{0, 3}, {4, 4}}},
                  {up, {{3, 0}, {4, 4}}},
-                 {cubic, {{2, 2}, {2, 1}}},
-                 {cubic, {{2, 2}, {1, 2}}},
-                 {cubic, {{2, 0}, {2, 2}}},
-                 {cubic, {{0, 2}, {2, 2}}},
-                 {cubic, {{2, 2}, {2, 0}}},
-                 {cubic, {{2, 2}, {0, 2}}},
+                 {resize, {{2, 2}, {2, 1}}},
+                 {resize, {{2, 2}, {1, 2}}},
+                 {resize, {{2, 0}, {2, 2}}},
+                 {resize, {{0, 2}, {2, 2}}},
+                 {resize, {{2, 2}, {2, 0}}},
+                 {resize, {{2, 2}, {0, 2}}},
                  {area, {{6, 6}, {6, 3}}},
                  {area, {{6, 6}, {3, 6}}},
                  {area, {{6, 6}, {2, 3}}},
@@ -346,7 +346,7 @@ TEST(every_routine, refuses_sizes_it_cannot_reach_and_writes_nothing)
         if (routine == up)
             status = image_bicubic_upscale_uint8_to_float(&byte_plane, &dst_values, from.width, from.height, to.width,
                                                           to.height, 1);
-        else if (routine == cubic)
+        else if (routine == resize)
             status = bicubic_resize_32f_to_u16p10(src, from.height, from.width, dst, to.height, to.width);
         else
             status = image_downscale_32f_to_u16p10(&src, &dst, from.width, from.height, to.width, to.height, 1, &roi);

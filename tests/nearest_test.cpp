@@ -44,7 +44,7 @@ std::vector<T> picked(int32_t n, int32_t m)
     const guarded<T> dst(static_cast<size_t>(2 * m));
     EXPECT_EQ(scale(src.data(), {n, 2}, dst.data(), {m, 2}), 0u);
     EXPECT_TRUE(std::equal(dst.begin(), dst.begin() + m, dst.begin() + m,
-                           [n](T above, T below) { return static_cast<T>(above + n) == below; }));
+                           [n](T above, T below) { return above + static_cast<T>(n) == below; }));
     return {dst.begin(), dst.begin() + m};
 }
 
