@@ -4,56 +4,17 @@
 
 #include <fmt/format.h>
 
+#include "frame_fields.h"
 #include "json_fields.h"
 
 namespace qz::tool {
 
 namespace {
 
-constexpr std::array control_fields = {
-    QZ_FIELD(isp_input_params, tuning_mode),   QZ_FIELD(isp_input_params, gamma_257),
-    QZ_FIELD(isp_input_params, nr_mode),       QZ_FIELD(isp_input_params, nr_strength),
-    QZ_FIELD(isp_input_params, edge_mode),     QZ_FIELD(isp_input_params, sharpness),
-    QZ_FIELD(isp_input_params, brightness),    QZ_FIELD(isp_input_params, contrast),
-    QZ_FIELD(isp_input_params, hue),           QZ_FIELD(isp_input_params, saturation),
-    QZ_FIELD(isp_input_params, block9_control)};
-
-constexpr std::array geometry_fields = {QZ_FIELD(isp_geometry, unused), QZ_FIELD(isp_geometry, width),
-                                        QZ_FIELD(isp_geometry, height)};
-constexpr std::array scaling_fields = {
-    QZ_FIELD(isp_frame_desc, horizontal_numerator), QZ_FIELD(isp_frame_desc, horizontal_denominator),
-    QZ_FIELD(isp_frame_desc, vertical_numerator), QZ_FIELD(isp_frame_desc, vertical_denominator)};
-constexpr std::array exposure_fields = {QZ_FIELD(isp_exposure, unused), QZ_FIELD(isp_exposure, analog_gain),
-                                        QZ_FIELD(isp_exposure, digital_gain)};
-constexpr std::array scene_fields = {QZ_FIELD(isp_scene_params, unused), QZ_FIELD(isp_scene_params, macc_target),
-                                     QZ_FIELD(isp_scene_params, saturation_decrement)};
-constexpr std::array colour_fields = {QZ_FIELD(isp_colour_params, ccm),
-                                      QZ_FIELD(isp_colour_params, black_level),
-                                      QZ_FIELD(isp_colour_params, white_balance_gain),
-                                      QZ_FIELD(isp_colour_params, unused),
-                                      QZ_FIELD(isp_colour_params, saturation),
-                                      QZ_FIELD(isp_colour_params, gamma_parameter)};
 constexpr std::array sensor_fields = {QZ_FIELD(isp_sensor_description, unused), QZ_FIELD(isp_sensor_description, width),
                                       QZ_FIELD(isp_sensor_description, height),
                                       QZ_FIELD(isp_sensor_description, bit_depth),
                                       QZ_FIELD(isp_sensor_description, unused_2)};
-
-// What a sub-record has where the scene names only some of its fields: no correction.
-constexpr isp_frame_desc plain_frame = {{{0, 0}, 0, 0}, 1, 1, 1, 1};
-constexpr isp_exposure plain_exposure = {0, 1.0f, 1.0f};
-constexpr isp_colour_params plain_colour = {
-    {1, 0, 0, 0, 1, 0, 0, 0, 1}, {0, 0, 0, 0}, {1, 1, 1, 1}, {0, 0, 0, 0, 0}, 1.0f, 1.0f};
-
-// Bit k of the effect flag word.
-constexpr std::string_view effect_names[] = {"macc_1",    "macc_2",   "macc_3", "macc_4",       "macc_5", "warm_grey",
-                                             "two_level", "negative", "vivid",  "negative_alt", "grey",   "cool_grey"};
-
-std::vector<std::string_view> joined(std::vector<std::string_view> names, std::span<const field> more)
-{
-    const std::vector<std::string_view> others = field_names(more);
-    names.insert(names.end(), others.begin(), others.end());
-    return names;
-}
 
 uint32_t read_effects(const json_node &node)
 {
@@ -69,29 +30,38 @@ uint32_t read_effects(const json_node &node)
     return effects;
 }
 
-template <typename Record>
-std::optional<Record> read_record(const json_node &parent, std::string_view name, std::span<const field> fields,
-                                  const Record &plain)
+// The names that may stand in an input group: its fields and the groups inside it.
+std::vector<std::string_view> names_in(std::string_view path)
 {
-    const std::optional<json_node> node = parent.find(name);
-    if (!node)
-        return std::nullopt;
-    node->expect_names(field_names(fields));
-    Record record = plain;
-    read_fields(*node, fields, &record);
-    return record;
+    std::vector<std::string_view> names;
+    for (const input_group &group : input_groups()) {
+        const size_t dot = group.path.rfind('.');
+        const std::string_view parent = dot == std::string_view::npos ? "" : group.path.substr(0, dot);
+        if (group.path == path)
+            names = field_names(group.fields);
+        else if (parent == path)
+            names.push_back(group.path.substr(dot + 1)); // npos + 1 is 0
+    }
+    return names;
 }
 
-std::optional<isp_frame_desc> read_frame_desc(const json_node &parent)
+std::optional<json_node> find_path(const json_node &node, std::string_view path)
 {
-    const std::optional<json_node> node = parent.find("frame");
-    if (!node)
-        return std::nullopt;
-    node->expect_names(joined({"size"}, scaling_fields));
-    isp_frame_desc frame = plain_frame;
-    read_fields(*node, scaling_fields, &frame);
-    frame.size = read_record(*node, "size", geometry_fields, isp_geometry{}).value_or(isp_geometry{});
-    return frame;
+    const size_t dot = path.find('.');
+    const std::optional<json_node> found = node.find(path.substr(0, dot));
+    return found && dot != std::string_view::npos ? find_path(*found, path.substr(dot + 1)) : found;
+}
+
+void read_groups(const json_node &frame, frame_inputs &inputs)
+{
+    for (const input_group &group : input_groups()) {
+        const std::optional<json_node> node = group.path.empty() ? frame : find_path(frame, group.path);
+        if (!node)
+            continue;
+        if (!group.path.empty())
+            node->expect_names(names_in(group.path));
+        read_fields(*node, group.fields, group.record(inputs));
+    }
 }
 
 void read_numbers(const json_node &list, std::vector<float> &numbers)
@@ -173,20 +143,15 @@ std::optional<std::vector<uint32_t>> read_selection_list(const json_node &parent
 
 frame_inputs read_frame(const json_node &node)
 {
-    node.expect_names(
-        joined({"frame", "exposure", "scene", "gamma", "colour", "lsc", "effects", "aux_size", "selection_list"},
-               control_fields));
+    std::vector<std::string_view> names = names_in("");
+    names.insert(names.end(), {"gamma", "lsc", "effects", "selection_list"});
+    node.expect_names(names);
     frame_inputs inputs = {};
-    read_fields(node, control_fields, &inputs.controls);
+    read_groups(node, inputs);
     if (const std::optional<json_node> effects = node.find("effects"))
         inputs.controls.effects = read_effects(*effects);
-    inputs.frame = read_frame_desc(node);
-    inputs.exposure = read_record(node, "exposure", exposure_fields, plain_exposure);
-    inputs.scene = read_record(node, "scene", scene_fields, isp_scene_params{});
     inputs.gamma = read_gamma(node);
-    inputs.colour = read_record(node, "colour", colour_fields, plain_colour);
     inputs.lsc = read_shading(node);
-    inputs.aux_size = read_record(node, "aux_size", geometry_fields, isp_geometry{});
     inputs.selection_list = read_selection_list(node);
     return inputs;
 }
@@ -217,7 +182,10 @@ std::optional<characterisation> read_characterisation(const json_node &parent)
         return std::nullopt;
     node->expect_names({"sensor_description", "entry_table"});
     characterisation cmc;
-    cmc.sensor_description = read_record(*node, "sensor_description", sensor_fields, isp_sensor_description{});
+    if (const std::optional<json_node> sensor = node->find("sensor_description")) {
+        sensor->expect_names(field_names(sensor_fields));
+        read_fields(*sensor, sensor_fields, &cmc.sensor_description.emplace());
+    }
     if (const std::optional<json_node> table = node->find("entry_table")) {
         cmc.entries.emplace();
         for (const json_node &item : table->items()) {
