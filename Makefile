@@ -7,7 +7,7 @@ LIBRARY_ROOMS := frame tuning color noise_detail util platform
 TIDY_SOURCES = $(shell git ls-files $(addsuffix /*.cpp,$(LIBRARY_ROOMS)) 'tools/*.cpp' 'examples/*.c' 'examples/*.cpp')
 
 .PHONY: help run test $(addprefix test-,$(TEST_PRESETS)) check check-format check-tidy check-cppcheck format bench \
-	coverage docs package abi pictures clean
+	determinism coverage docs package abi digests pictures clean
 
 help:
 	@echo 'make run       install what is missing, build, and print the record of a sample frame'
@@ -15,9 +15,11 @@ help:
 	@echo 'make check     formatting, clang-tidy and cppcheck'
 	@echo 'make format    format the sources'
 	@echo 'make bench     build and run the benchmarks'
+	@echo 'make determinism  the same results from gcc and clang, unoptimised and optimised'
 	@echo 'make coverage  line coverage of the tests'
 	@echo 'make docs      API pages from the headers, in build/docs/html'
 	@echo 'make package   Debian packages of the 64-bit and the 32-bit library, in build/packages'
+	@echo 'make digests   write down changed records of the sample scene, see CONTRIBUTING.md'
 	@echo 'make abi       write down a changed binary interface, see CONTRIBUTING.md'
 
 run:
@@ -64,6 +66,12 @@ bench:
 	cmake --build --preset bench --parallel $(JOBS)
 	build/bench/qz-isp-bench
 
+determinism:
+	scripts/install-deps.sh determinism
+	cmake --preset native -DQZ_ISP_EXAMPLES=ON
+	cmake --build --preset native --parallel $(JOBS)
+	scripts/determinism.sh $(VARIANTS)
+
 coverage:
 	scripts/install-deps.sh coverage
 	cmake --preset coverage
@@ -90,6 +98,12 @@ abi-native abi-x86: abi-%:
 	scripts/install-deps.sh test
 	cmake --preset $* > /dev/null
 	cmake --build --preset $* --target update-abi --parallel $(JOBS)
+
+# The sample scene's records.
+digests:
+	scripts/install-deps.sh test
+	cmake --preset native > /dev/null
+	cmake --build --preset native --target update-digests
 
 # docs/record-layout.svg, from the record's list of blocks.
 pictures:

@@ -1,7 +1,7 @@
 #!/bin/bash
 # Installs the Debian packages of one or more groups, and only those that are missing.
 #
-#   scripts/install-deps.sh GROUP...     groups: run test check bench fuzz coverage docs package
+#   scripts/install-deps.sh GROUP...     groups: run test check bench fuzz determinism coverage docs package
 set -euo pipefail
 
 run="g++ make cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev"
@@ -10,10 +10,11 @@ check="$test clang-format clang-tidy cppcheck"
 bench="$run libbenchmark-dev libeigen3-dev libopencv-core-dev libopencv-imgproc-dev libopenblas-dev libyuv-dev
        libxxhash-dev"
 fuzz="$run clang"
+determinism="$test clang"
 coverage="$test gcovr"
 docs="doxygen make"
 package="$test dpkg-dev"
-all_groups="run test check bench fuzz coverage docs package"
+all_groups="run test check bench fuzz determinism coverage docs package"
 
 missing=()
 for group in "$@"; do

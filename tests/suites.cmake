@@ -17,3 +17,14 @@ endforeach()
 foreach(suite IN ITEMS bicubic checksum matrix nearest polynomial table_resize)
   qz_isp_every_path(${suite}_test)
 endforeach()
+
+# The same records whatever built the library.
+if(QZ_ISP_TOOLS)
+  set(sample_record ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:qz-isp>)
+  add_test(NAME sample_record COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/sample_record_test.sh ${sample_record})
+  add_custom_target(
+    update-digests
+    COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/sample_record_test.sh --update ${sample_record}
+    DEPENDS qz-isp
+    VERBATIM)
+endif()
