@@ -45,6 +45,10 @@ void add_run(CLI::App &app, chosen_command &chosen)
         ->type_name("FILE")
         ->excludes(as_json);
     command->add_flag("--all", options->all, "Print every value of every table")->excludes("--json")->excludes("--raw");
+    command
+        ->add_flag("--explain", options->explain,
+                   "Show where each block's values came from: record, set, rows, strengths, or why defaults")
+        ->excludes("--raw");
     command->footer("FILE may be - for standard input or output.\n\n"
                     "Example: the gain-dependent blocks of a scene of your own\n"
                     "  qz-isp run --tuning sensor.vuxb --scene night.json --frame 0");

@@ -18,6 +18,7 @@ struct run_options {
     std::optional<std::string> raw;
     bool as_json = false;
     bool all = false;
+    bool explain = false;
 };
 int run(const run_options &options);
 

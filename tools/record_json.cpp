@@ -1,5 +1,6 @@
 #include <nlohmann/json.hpp>
 
+#include "explain_print.h"
 #include "json.h"
 #include "record_print.h"
 
@@ -36,12 +37,15 @@ json block_json(const record_snapshot &snapshot, const block_layout &block)
             {"fields", std::move(fields)}};
 }
 
-json record_json(const record_snapshot &snapshot)
+json record_json(const record_snapshot &snapshot, const std::optional<frame_origin> &origin)
 {
     json blocks = json::array();
     for (const block_layout &block : record_blocks()) {
-        if (block_present(snapshot, block))
+        if (block_present(snapshot, block)) {
             blocks.push_back(block_json(snapshot, block));
+            if (origin)
+                blocks.back()["origin"] = block_origin_json(origin->blocks[block_number(block)]);
+        }
     }
     return blocks;
 }
@@ -51,11 +55,13 @@ json record_json(const record_snapshot &snapshot)
 std::string frames_json(const std::vector<computed_frame> &frames)
 {
     json list = json::array();
-    for (const computed_frame &frame : frames)
-        list.push_back({{"index", frame.index},
-                        {"name", frame.name},
-                        {"bytes_used", frame.snapshot.bytes_used},
-                        {"blocks", record_json(frame.snapshot)}});
+    for (const computed_frame &frame : frames) {
+        json &made = list.emplace_back(json::object());
+        made = {{"index", frame.index}, {"name", frame.name}, {"bytes_used", frame.snapshot.bytes_used}};
+        if (frame.origin)
+            made["origin"] = frame_origin_json(*frame.origin);
+        made["blocks"] = record_json(frame.snapshot, frame.origin);
+    }
     return json_text({{"frames", std::move(list)}});
 }
 

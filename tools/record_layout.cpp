@@ -110,6 +110,11 @@ std::span<const block_layout> record_blocks()
     return blocks;
 }
 
+size_t block_number(const block_layout &block)
+{
+    return static_cast<size_t>(&block - blocks.data());
+}
+
 record_snapshot take_snapshot(const aic_record &record, uint32_t bytes_used)
 {
     record_snapshot snapshot = {record, bytes_used};

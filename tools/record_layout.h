@@ -20,6 +20,9 @@ struct block_layout {
 // All blocks in record order.
 std::span<const block_layout> record_blocks();
 
+// The place of one of them in record order.
+size_t block_number(const block_layout &block);
+
 // A frame's record, taken out of the context. The lens shading block's table words hold offsets from the start of the
 // record on every target.
 struct record_snapshot {

@@ -1,9 +1,11 @@
 // Frames and their records, block by block, for people and as JSON.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "explain.h"
 #include "record_layout.h"
 
 namespace qz::tool {
@@ -13,6 +15,7 @@ struct computed_frame {
     size_t index;
     std::string name;
     record_snapshot snapshot;
+    std::optional<frame_origin> origin; // where its values came from, when that is to be shown
 };
 
 // all: every value of every table; otherwise long tables show their first and last row, shading tables a map.

@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include "explain_print.h"
 #include "record_print.h"
 
 namespace qz::tool {
@@ -120,14 +121,20 @@ void print_shading(std::string &text, const record_snapshot &snapshot, bool all)
     }
 }
 
-std::string record_text(const record_snapshot &snapshot, bool all)
+std::string record_text(const record_snapshot &snapshot, const std::optional<frame_origin> &origin, bool all)
 {
-    std::string text;
+    std::string text = origin ? frame_origin_text(*origin) : "";
     for (const block_layout &block : record_blocks()) {
-        if (!block_present(snapshot, block))
+        const bool present = block_present(snapshot, block);
+        if (present)
+            fmt::format_to(text_output(text), "  {:>3}  {:<26} offset {:>5}   size {:>5}\n", block.id, block.name,
+                           block.offset, block_size(snapshot, block));
+        else if (origin)
+            fmt::format_to(text_output(text), "  {:>3}  {:<26} not in use\n", block.id, block.name);
+        if (origin)
+            text += block_origin_text(*origin, origin->blocks[block_number(block)]);
+        if (!present)
             continue;
-        fmt::format_to(text_output(text), "  {:>3}  {:<26} offset {:>5}   size {:>5}\n", block.id, block.name,
-                       block.offset, block_size(snapshot, block));
         for (const field &described : block.fields)
             print_values(text, described.name, field_values(snapshot, block, described), described.columns, all);
         if (has_shading_tables(block))
@@ -144,7 +151,7 @@ std::string frames_text(const std::vector<computed_frame> &frames, bool all)
     for (const computed_frame &frame : frames) {
         text += fmt::format("{}frame {}{}: {} bytes in use\n\n", text.empty() ? "" : "\n", frame.index,
                             frame.name.empty() ? "" : fmt::format(" \"{}\"", frame.name), frame.snapshot.bytes_used);
-        text += record_text(frame.snapshot, all);
+        text += record_text(frame.snapshot, frame.origin, all);
     }
     return text;
 }

@@ -14,9 +14,12 @@ std::vector<computed_frame> compute(const run_options &options)
     isp_session session(load_container(options.inputs), tuning_name(options.inputs), inputs);
     std::vector<computed_frame> frames;
     for (size_t i = 0; i < last; ++i) {
-        const record_snapshot snapshot = session.run(inputs.frames[i]);
+        const frame_inputs &frame = inputs.frames[i];
+        const record_snapshot snapshot = session.run(frame);
         if (i >= first)
-            frames.push_back({i, inputs.frames[i].name, snapshot});
+            frames.push_back({i, frame.name, snapshot, std::nullopt});
+        if (i >= first && options.explain)
+            frames.back().origin = explain_frame(session, frame);
     }
     return frames;
 }

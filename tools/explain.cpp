@@ -1,0 +1,406 @@
+#include "explain.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include <fmt/format.h>
+
+#include "qz_isp/color.h"
+
+namespace qz::tool {
+
+namespace {
+
+// What has to be there or switched on for a block to be computed.
+enum class gate : uint8_t {
+    always,
+    fixed,
+    counter,
+    noise_reduction,       // nr_mode 1 and above
+    bayer_noise_reduction, // nr_mode 2 and above
+    edges,                 // edge_mode 1 and above
+    white_balance,
+    colour,
+    black_level,
+    gamma,
+    lens_shading,
+};
+
+enum class control : uint8_t { none, nr_strength, sharpness, hue, saturation, tone };
+
+// Factors of a strength at its ends; 1.0 at 0, linear between.
+struct factor_rule {
+    control by;
+    double at_127;
+    double at_minus_128;
+    std::string_view meaning;
+};
+
+// How a block comes about.
+struct block_rule {
+    std::string_view block;
+    std::string_view slot; // of the tuning set; empty: none
+    gate needs;
+    std::string_view inputs; // what goes in beside the record
+    std::vector<factor_rule> factors = {};
+};
+
+constexpr std::string_view part_to_65535 = "part of the way of field_4_to_7 to 65535";
+constexpr std::string_view part_to_0 = "part of the way of field_4_to_7 to 0";
+
+const block_rule block_rules[] = {
+    {"white_balance", "", gate::white_balance, "colour.white_balance_gain"},
+    {"defect_pixel", "defect_pixel_correction", gate::always, "gain: the coefficients of white_balance"},
+    {"long_3", "long_3", gate::always, "gain: white_balance's gains with 9 fractional bits"},
+    {"yuv_to_rgb", "", gate::colour, "colour.ccm"},
+    {"temporal_noise_reduction",
+     "temporal_noise_reduction",
+     gate::noise_reduction,
+     "",
+     {{control::nr_strength, 5.0, 0.2, "factor of param[0]"}}},
+    {"rec_3", "rec_3", gate::always, ""},
+    {"y_edge_enhancement",
+     "y_edge_enhancement",
+     gate::noise_reduction,
+     "",
+     {{control::sharpness, 5.0, 0.2, "factor of param[0..3], up to 8191"}}},
+    {"fringe_control", "fringe_control", gate::edges, "", {{control::sharpness, 1.0, 1.0, part_to_65535}}},
+    {"block_9", "", gate::always, "block9_control XOR 1"},
+    {"chroma_nr",
+     "chroma_nr",
+     gate::noise_reduction,
+     "",
+     {{control::nr_strength, 0.2, 5.0, "factor of field[2..7], up to 8191"}}},
+    {"ctc", "ctc_config", gate::always, "", {{control::saturation, 0, 0, "factor of the tuned values"}}},
+    {"rec_13_a", "rec_13", gate::always, "bytes 10 and 11, which count as 0 in version 100"},
+    {"rec_13_b", "rec_13", gate::always, "bytes 8 and 9"},
+    {"edge_enhancement",
+     "edge_enhancement",
+     gate::edges,
+     "",
+     {{control::sharpness, 3.0, 0.333, "factor of param[0]"}, {control::sharpness, 2.0, 0.5, "factor of param[2]"}}},
+    {"macc", "macc", gate::always, "", {{control::hue, 0, 0, "degrees of rotation of every sector"}}},
+    {"macc_shift", "macc", gate::always, "bit length of macc's largest integer part"},
+    {"noise_reduction",
+     "noise_reduction",
+     gate::bayer_noise_reduction,
+     "",
+     {{control::nr_strength, 5.0, 0.2, "factor of param[0..1], up to 65535"}}},
+    {"black_level", "", gate::black_level, "colour.black_level and the sensor's bit depth"},
+    {"xnr", "xnr", gate::noise_reduction, ""},
+    {"rgb_to_yuv", "", gate::fixed, "BT.601 full range"},
+    {"rec_16", "rec_16", gate::always, "value[3..5]; the others are fixed"},
+    {"block_21", "", gate::fixed, ""},
+    {"block_22", "", gate::fixed, ""},
+    {"block_23", "", gate::fixed, ""},
+    {"long_5", "long_5", gate::always, "curves times the scales of the first row"},
+    {"long_6", "long_6", gate::always, ""},
+    {"long_7", "long_7", gate::always, ""},
+    {"long_13", "long_13", gate::always, ""},
+    {"long_11", "long_11", gate::always, ""},
+    {"long_12", "long_12", gate::always, ""},
+    {"frame_counter", "", gate::counter, "frames run before"},
+    {"gamma_0", "", gate::gamma, "gamma.curve[0]", {{control::tone, 0, 0, ""}}},
+    {"gamma_1", "", gate::gamma, "gamma.curve[1]", {{control::tone, 0, 0, ""}}},
+    {"gamma_2", "", gate::gamma, "gamma.curve[2]", {{control::tone, 0, 0, ""}}},
+    {"lens_shading", "", gate::lens_shading, "lsc.grid, frame, and the black levels as factors"},
+};
+
+uint32_t current_gain(const frame_inputs &inputs)
+{
+    if (!inputs.exposure || !(inputs.exposure->analog_gain >= 1.0f && inputs.exposure->digital_gain >= 1.0f))
+        return 256;
+    const float gain = std::fmod(inputs.exposure->digital_gain * inputs.exposure->analog_gain * 256.0f, 65536.0f);
+    return std::isfinite(gain) ? static_cast<uint32_t>(gain) : 0;
+}
+
+float saturation_factor(const frame_inputs &inputs)
+{
+    float factor = inputs.colour && inputs.colour->saturation > 0.0f ? inputs.colour->saturation : 1.0f;
+    compute_saturation_factor(inputs.controls.saturation, &factor);
+    if (inputs.scene && inputs.scene->saturation_decrement > 0.0f)
+        factor = std::max(factor - inputs.scene->saturation_decrement, 0.0f);
+    return (inputs.controls.effects & ISP_EFFECT_VIVID) != 0 ? factor * 1.5f : factor;
+}
+
+// Linear from 1.0 at 0 to the ends.
+double strength_factor(int strength, const factor_rule &rule)
+{
+    return strength > 0 ? 1.0 + strength * (rule.at_127 - 1.0) / 127.0
+                        : 1.0 + strength * (1.0 - rule.at_minus_128) / 128.0;
+}
+
+// -1 to 1, both ends included.
+double signed_part(int value)
+{
+    return value > 0 ? value / 127.0 : value / 128.0;
+}
+
+class explainer {
+  public:
+    explainer(const isp_session &session, const frame_inputs &inputs, const frame_selection &selection,
+              const frame_origin &frame)
+        : inputs_(inputs), selection_(selection), frame_(frame), cmc_(session.context().cmc)
+    {}
+
+    block_origin explain(const block_rule &rule) const
+    {
+        block_origin result = {origin::inputs, std::string(rule.inputs), std::nullopt, std::nullopt, {}};
+        if (rule.needs == gate::fixed)
+            result.source = origin::fixed;
+        else if (rule.needs == gate::counter)
+            result.source = origin::context;
+        else if (!add_gate(rule.needs, result) || (!rule.slot.empty() && !add_record(rule, result)))
+            return result;
+        for (const factor_rule &factor : rule.factors)
+            add_control(factor, result.controls);
+        add_effects(rule.block, result.why);
+        return result;
+    }
+
+  private:
+    // False when the block is not computed in this frame.
+    bool add_gate(gate needs, block_origin &result) const
+    {
+        const isp_input_params &controls = inputs_.controls;
+        switch (needs) {
+        case gate::noise_reduction: return on(controls.nr_mode >= 1, "nr_mode 0", result);
+        case gate::bayer_noise_reduction:
+            return on(controls.nr_mode >= 2, fmt::format("nr_mode {}, on from 2", controls.nr_mode), result);
+        case gate::edges: return on(controls.edge_mode >= 1, "edge_mode 0", result);
+        case gate::white_balance:
+            return given(inputs_.scene.has_value(), "scene", result) &&
+                   given(inputs_.colour.has_value(), "colour", result);
+        case gate::colour: return given(inputs_.colour.has_value(), "colour", result);
+        case gate::black_level:
+            return given(inputs_.colour.has_value(), "colour", result) &&
+                   given(has_sensor(), "a sensor description with a bit depth of 1 to 31", result);
+        case gate::gamma: return other(inputs_.gamma.has_value(), origin::kept, "gamma curves", result);
+        case gate::lens_shading:
+            return other(inputs_.lsc.has_value() && inputs_.lsc->enable != 0, origin::absent, "lsc with enable 1",
+                         result);
+        default: return true;
+        }
+    }
+
+    static bool on(bool is_on, std::string_view mode, block_origin &result)
+    {
+        if (!is_on)
+            result = {origin::off, std::string(mode), std::nullopt, std::nullopt, {}};
+        return is_on;
+    }
+
+    static bool given(bool is_given, std::string_view input, block_origin &result)
+    {
+        return other(is_given, origin::defaults, input, result);
+    }
+
+    static bool other(bool is_given, origin otherwise, std::string_view input, block_origin &result)
+    {
+        if (!is_given)
+            result = {otherwise, fmt::format("the frame has no {}", input), std::nullopt, std::nullopt, {}};
+        return is_given;
+    }
+
+    bool has_sensor() const
+    {
+        const isp_sensor_description *sensor = cmc_ != nullptr ? cmc_->sensor_description : nullptr;
+        return sensor != nullptr && sensor->bit_depth >= 1 && sensor->bit_depth <= 31;
+    }
+
+    // What lens shading needs beside its grids.
+    bool has_shading_sizes() const
+    {
+        if (!inputs_.frame || inputs_.lsc->width == 0 || inputs_.lsc->height == 0)
+            return false;
+        const isp_frame_desc &frame = *inputs_.frame;
+        const auto scaled = [](unsigned size, unsigned numerator, unsigned denominator) {
+            return denominator != 0 && static_cast<uint16_t>(size * numerator / denominator) != 0;
+        };
+        return scaled(frame.size.width, frame.horizontal_numerator, frame.horizontal_denominator) &&
+               scaled(frame.size.height, frame.vertical_numerator, frame.vertical_denominator);
+    }
+
+    // False when the values are not the record's.
+    bool add_record(const block_rule &rule, block_origin &result) const
+    {
+        result.record = selection_.find(rule.slot);
+        if (!result.record) {
+            result.source = origin::defaults;
+            result.why = fmt::format("no set that the frame selects from has a record {}", rule.slot);
+            return false;
+        }
+        result.source = origin::tuning;
+        const record_shape shape = result.record->kind->shape;
+        if (shape == record_shape::macc)
+            add_base_set(result);
+        else if (shape != record_shape::fields)
+            return add_rows(rule, result);
+        return true;
+    }
+
+    bool add_rows(const block_rule &rule, block_origin &result) const
+    {
+        const record_rows rows = rows_of(*result.record);
+        if (rows.count > 0) {
+            result.rows = around(rows);
+            return true;
+        }
+        const bool has_defaults = rule.block == "long_5" || rule.block == "long_6";
+        result.source = has_defaults ? origin::defaults : origin::kept;
+        result.why = "the record has no rows";
+        return false;
+    }
+
+    // The rows that the library interpolates between: of equal keys the first, outside the table the nearer end.
+    row_origin around(const record_rows &rows) const
+    {
+        const int64_t gain = frame_.gain;
+        std::optional<size_t> lower;
+        std::optional<size_t> upper;
+        for (size_t row = 0; row < rows.count; ++row) {
+            const int64_t key = rows.key(row);
+            if (key <= gain && (!lower || key > rows.key(*lower)))
+                lower = row;
+            if (key >= gain && (!upper || key < rows.key(*upper)))
+                upper = row;
+        }
+        const size_t low = lower ? *lower : *upper;
+        const size_t high = upper ? *upper : *lower;
+        const int64_t low_key = rows.key(low);
+        const int64_t high_key = rows.key(high);
+        const double weight =
+            high_key > low_key ? static_cast<double>(gain - low_key) / static_cast<double>(high_key - low_key) : 0.0;
+        return {rows.count, low, high, low_key, high_key, weight};
+    }
+
+    // Which entry of a multi-axis record the sectors start from.
+    void add_base_set(block_origin &result) const
+    {
+        const record_rows entries = rows_of(*result.record);
+        const int64_t target = inputs_.scene ? inputs_.scene->macc_target : 0;
+        const bool nearest = frame_.tuning_mode == 1;
+        std::optional<size_t> base;
+        for (size_t i = 0; i < entries.count; ++i) {
+            if (entries.key(i) != 0) // the type comes first; 0: a base set
+                continue;
+            const int64_t distance = std::abs(entry_key(entries, i) - target);
+            const bool better = nearest ? !base || distance < std::abs(entry_key(entries, *base) - target)
+                                        : !base && entry_key(entries, i) == 0;
+            if (better)
+                base = i;
+        }
+        const std::string wanted = nearest ? fmt::format("nearest to macc_target {}", target)
+                                           : std::string("of key 0, as tuning_mode is not 1");
+        if (!result.why.empty())
+            result.why += ", ";
+        if (base)
+            result.why += fmt::format("entry {} of {} (key {}), the base set {}", *base, entries.count,
+                                      entry_key(entries, *base), wanted);
+        else
+            result.why += fmt::format("identity, as none of {} entries is a base set {}", entries.count, wanted);
+        add_effect_tables(entries, result.why);
+    }
+
+    // The last entry of an effect's type replaces its fixed table; effect 5 has no type.
+    void add_effect_tables(const record_rows &entries, std::string &why) const
+    {
+        for (unsigned effect = 1; effect <= 5; ++effect) {
+            if (((inputs_.controls.effects >> (effect - 1)) & 1) == 0)
+                continue;
+            std::string table = "its fixed table";
+            for (size_t i = 0; i < entries.count && effect < 5; ++i) {
+                if (entries.key(i) == effect)
+                    table = fmt::format("entry {}", i);
+            }
+            why += fmt::format(", times {} for effect macc_{}", table, effect);
+        }
+    }
+
+    static int64_t entry_key(const record_rows &entries, size_t row)
+    {
+        return read_le<uint16_t>({entries.bytes + row * entries.size, 4}, 2);
+    }
+
+    void add_control(const factor_rule &rule, std::vector<control_origin> &controls) const
+    {
+        const isp_input_params &input = inputs_.controls;
+        switch (rule.by) {
+        case control::nr_strength:
+            controls.push_back(
+                {"nr_strength", double(input.nr_strength), strength_factor(input.nr_strength, rule), rule.meaning});
+            break;
+        case control::sharpness:
+            if (rule.meaning == part_to_65535)
+                controls.push_back({"sharpness", double(input.sharpness), std::abs(signed_part(input.sharpness)),
+                                    input.sharpness < 0 ? part_to_0 : part_to_65535});
+            else
+                controls.push_back(
+                    {"sharpness", double(input.sharpness), strength_factor(input.sharpness, rule), rule.meaning});
+            break;
+        case control::hue:
+            controls.push_back({"hue", double(input.hue), 180.0 * signed_part(input.hue), rule.meaning});
+            break;
+        case control::saturation:
+            controls.push_back({"saturation", double(input.saturation), frame_.saturation, rule.meaning});
+            break;
+        case control::tone: add_tone(input, controls); break;
+        case control::none: break;
+        }
+    }
+
+    static void add_tone(const isp_input_params &input, std::vector<control_origin> &controls)
+    {
+        const double brightness =
+            input.brightness > 0 ? 1.0 - input.brightness * 0.75 / 127.0 : 1.0 - input.brightness * 4.0 / 128.0;
+        const double contrast =
+            input.contrast > 0 ? 1.0 + input.contrast * 4.0 / 127.0 : 1.0 + input.contrast * 0.8 / 128.0;
+        controls.push_back({"brightness", double(input.brightness), brightness, "exponent of the whole curve"});
+        controls.push_back({"contrast", double(input.contrast), contrast, "exponent of the curve's two halves"});
+    }
+
+    // Effects that act on the block.
+    void add_effects(std::string_view block, std::string &why) const
+    {
+        const uint32_t effects = inputs_.controls.effects;
+        constexpr uint32_t grey = ISP_EFFECT_GREY | ISP_EFFECT_TWO_LEVEL;
+        constexpr uint32_t negative = ISP_EFFECT_NEGATIVE | ISP_EFFECT_NEGATIVE_ALT;
+        if (block == "yuv_to_rgb" && (effects & (grey | ISP_EFFECT_WARM_GREY | ISP_EFFECT_COOL_GREY)) != 0)
+            why = "effects, which replace colour.ccm";
+        if (block.starts_with("gamma_") && (effects & negative) != 0)
+            why += ", mirrored by effects";
+        if (block.starts_with("gamma_") && (effects & ISP_EFFECT_TWO_LEVEL) != 0)
+            why += ", in two levels by effects";
+        if (block == "lens_shading" && !has_shading_sizes())
+            why = "refused: a size or a scaling term of frame or lsc is 0 or missing";
+        if (block == "ctc" && (effects & ISP_EFFECT_VIVID) != 0)
+            why += "effects: vivid";
+    }
+
+    const frame_inputs &inputs_;
+    const frame_selection &selection_;
+    const frame_origin &frame_;
+    const isp_cmc *cmc_;
+};
+
+} // namespace
+
+std::string_view origin_name(origin source)
+{
+    constexpr std::string_view names[] = {"tuning", "inputs", "fixed", "context", "defaults", "off", "kept", "absent"};
+    return names[static_cast<size_t>(source)];
+}
+
+frame_origin explain_frame(const isp_session &session, const frame_inputs &inputs)
+{
+    const frame_selection selection(session, inputs);
+    frame_origin frame = {inputs.controls.tuning_mode,       current_gain(inputs), saturation_factor(inputs),
+                          inputs.selection_list.has_value(), selection.rules(),    {}};
+    const explainer each(session, inputs, selection, frame);
+    for (const block_layout &block : record_blocks())
+        frame.blocks.push_back(each.explain(*std::ranges::find(block_rules, block.name, &block_rule::block)));
+    return frame;
+}
+
+} // namespace qz::tool

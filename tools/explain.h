@@ -1,0 +1,63 @@
+// Where the values of a frame's record came from.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "selected_records.h"
+
+namespace qz::tool {
+
+enum class origin : uint8_t {
+    tuning,   // a tuning record
+    inputs,   // the frame's inputs alone
+    fixed,    // the same in every frame
+    context,  // the frames run before
+    defaults, // instead of a record or an input that is missing
+    off,      // what the block holds when its mode switches it off
+    kept,     // as the frame before left it
+    absent,   // the frame has no such block
+};
+std::string_view origin_name(origin source);
+
+// The rows around the frame's gain; a value is (1 - weight) * lower + weight * upper, rounded.
+struct row_origin {
+    size_t count;
+    size_t lower;
+    size_t upper;
+    int64_t lower_key;
+    int64_t upper_key;
+    double weight;
+};
+
+// What a manual control did.
+struct control_origin {
+    std::string_view control;
+    double value;
+    double amount;
+    std::string_view meaning; // of the amount: "factor of param[0]"
+};
+
+struct block_origin {
+    origin source;
+    std::string why; // what is missing or switched off, or which inputs went in
+    std::optional<selected_record> record;
+    std::optional<row_origin> rows;
+    std::vector<control_origin> controls;
+};
+
+struct frame_origin {
+    uint32_t tuning_mode;
+    uint32_t gain; // 256 = unity, 16 bits
+    float saturation;
+    bool index_0_first; // a selection list puts set index 0 before the rules' indices
+    std::vector<evaluated_rule> rules;
+    std::vector<block_origin> blocks; // as in record_blocks()
+};
+
+// Selects again what the library selects and works out the rest from the inputs; nothing about the session changes.
+frame_origin explain_frame(const isp_session &session, const frame_inputs &inputs);
+
+} // namespace qz::tool

@@ -1,0 +1,80 @@
+#include <fmt/format.h>
+
+#include "explain_print.h"
+
+namespace qz::tool {
+
+namespace {
+
+// As fields are printed.
+std::string line(std::string_view label, std::string_view text)
+{
+    return fmt::format("       {:<21} {}\n", label, text);
+}
+
+std::string rule_text(size_t number, const evaluated_rule &rule)
+{
+    if (rule.kind.empty() || rule.op.empty())
+        return fmt::format("{}: of unknown kind or comparison, ignored", number);
+    const std::string area = rule.area ? fmt::format(" {}", *rule.area) : std::string(" missing");
+    return fmt::format("{}: {} area{} {} {}: {} set index {}", number, rule.kind, area, rule.op, rule.threshold,
+                       rule.matches ? "takes" : "not", rule.set_index);
+}
+
+std::string record_origin_text(const selected_record &record)
+{
+    std::string text = fmt::format("record {}, id {} version {}, set {} of set index {}", record.kind->name, record.id,
+                                   record.version, record.set, record.set_index);
+    if (record.rule)
+        text += fmt::format(" (rule {})", *record.rule);
+    if (record.offset)
+        text += fmt::format(", offset {}", *record.offset);
+    return text;
+}
+
+std::string rows_text(const frame_origin &frame, const row_origin &rows)
+{
+    const auto row = [](size_t number, int64_t key) { return fmt::format("row {} (gain {})", number, key); };
+    if (rows.lower == rows.upper)
+        return fmt::format("{} of {}, at gain {}", row(rows.lower, rows.lower_key), rows.count, frame.gain);
+    return fmt::format("{} x {:.4f} + {} x {:.4f} of {}, at gain {}", row(rows.lower, rows.lower_key),
+                       1.0 - rows.weight, row(rows.upper, rows.upper_key), rows.weight, rows.count, frame.gain);
+}
+
+} // namespace
+
+std::string frame_origin_text(const frame_origin &frame)
+{
+    const std::array<uint8_t, 3> order = set_order(frame.tuning_mode);
+    std::string text = line("sets", fmt::format("tuning_mode {}: set {}, else set {}, else set {}", frame.tuning_mode,
+                                                order[0], order[1], order[2]));
+    if (frame.index_0_first)
+        text += line("set index", "0 first, as there is a selection_list");
+    size_t number = 0;
+    for (const evaluated_rule &rule : frame.rules)
+        text += line(number == 0 ? "rules" : "", rule_text(number, rule)), ++number;
+    text += line("gain", fmt::format("{} (256 = 1.0)", frame.gain));
+    text += line("saturation", fmt::format("factor {:.6g}", frame.saturation));
+    return text + "\n";
+}
+
+std::string block_origin_text(const frame_origin &frame, const block_origin &block)
+{
+    const std::string_view source = origin_name(block.source);
+    const bool from_record = block.source == origin::tuning;
+    std::string text;
+    if (!from_record)
+        text += line("from", block.why.empty() ? std::string(source) : fmt::format("{}: {}", source, block.why));
+    if (block.record)
+        text += line(from_record ? "from" : "record", record_origin_text(*block.record));
+    if (from_record && !block.why.empty())
+        text += line("with", block.why);
+    if (block.rows)
+        text += line("rows", rows_text(frame, *block.rows));
+    for (const control_origin &control : block.controls)
+        text += line("control", fmt::format("{} {:.0f}: {:.6g}, {}", control.control, control.value, control.amount,
+                                            control.meaning));
+    return text;
+}
+
+} // namespace qz::tool

@@ -1,0 +1,67 @@
+// The records that the library selected for a frame, traced back to where the container holds them.
+#pragma once
+
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "session.h"
+#include "tuning_container.h"
+
+namespace qz::tool {
+
+struct selected_record {
+    const record_kind *kind;
+    const isp_record *copy; // the session's, whose row count is within its bytes
+    uint16_t id;
+    uint8_t version;
+    uint8_t set;
+    unsigned set_index;
+    std::optional<size_t> rule;   // the first matching rule that names the set index, unless that is 0
+    std::optional<size_t> offset; // in the container; none inside very deep nesting
+};
+
+// A selection rule and what it says of a frame.
+struct evaluated_rule {
+    std::string_view kind; // "frame", "aux_size", or empty: ignored
+    std::string_view op;   // empty: never matches
+    double threshold;
+    unsigned set_index;
+    std::optional<int32_t> area; // of the geometry that the rule looks at; none when that is missing
+    bool matches;
+};
+
+// What the library selects for a frame; the session must outlive it.
+class frame_selection {
+  public:
+    frame_selection(const isp_session &session, const frame_inputs &inputs);
+
+    // Nothing for a slot that is empty in this frame.
+    std::optional<selected_record> find(std::string_view slot) const;
+
+    const std::vector<evaluated_rule> &rules() const { return rules_; }
+
+  private:
+    std::optional<size_t> rule_of(unsigned set_index) const;
+
+    const isp_context *context_;
+    tuning_container container_;
+    isp_tuning_set selected_;
+    std::vector<evaluated_rule> rules_;
+};
+
+// Order of an index's sets: the first that holds a record gives it.
+std::array<uint8_t, 3> set_order(uint32_t tuning_mode);
+
+// The rows of a record of one of the row shapes.
+struct record_rows {
+    size_t count;
+    size_t size; // bytes of a row
+    const uint8_t *bytes;
+    bool wide; // 32-bit signed keys, else unsigned 16-bit ones
+
+    int64_t key(size_t row) const;
+};
+record_rows rows_of(const selected_record &record);
+
+} // namespace qz::tool
