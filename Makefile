@@ -6,7 +6,7 @@ SOURCES = $(shell git ls-files '*.c' '*.cpp' '*.h')
 LIBRARY_ROOMS := frame tuning color noise_detail util platform
 TIDY_SOURCES = $(shell git ls-files $(addsuffix /*.cpp,$(LIBRARY_ROOMS)) 'tools/*.cpp' 'examples/*.c' 'examples/*.cpp')
 
-.PHONY: help run test $(addprefix test-,$(TEST_PRESETS)) check check-format check-tidy check-cppcheck format bench \
+.PHONY: help run test $(addprefix test-,$(TEST_PRESETS)) test-tsan check check-format check-tidy check-cppcheck format bench \
 	determinism coverage docs package abi digests pictures clean
 
 help:
@@ -30,12 +30,18 @@ run:
 
 test:
 	scripts/install-deps.sh test
-	$(MAKE) --no-print-directory $(addprefix test-,$(TEST_PRESETS))
+	$(MAKE) --no-print-directory $(addprefix test-,$(TEST_PRESETS)) test-tsan
 
 $(addprefix test-,$(TEST_PRESETS)): test-%:
 	cmake --preset $* -DQZ_ISP_EXAMPLES=ON
 	cmake --build --preset $* --parallel $(JOBS)
 	ctest --preset $* --parallel $(JOBS) --no-tests=error --progress
+
+# Only what several threads do.
+test-tsan:
+	cmake --preset tsan
+	cmake --build --preset tsan --target threads_test --parallel $(JOBS)
+	ctest --preset tsan --tests-regex '^threads_test' --no-tests=error
 
 # One preset after the other: each build uses all cores.
 .NOTPARALLEL:
