@@ -87,6 +87,42 @@ void add_tuning(CLI::App &app, chosen_command &chosen)
     add_tuning_show(*group, chosen);
 }
 
+void add_record_show(CLI::App &group, chosen_command &chosen)
+{
+    const auto options = std::make_shared<record_options>();
+    CLI::App *command = group.add_subcommand("show", "Print a dump of one record or several, block by block");
+    command->add_option("FILE", options->file, "Dump of the bytes in use or of whole records, or -")->required();
+    CLI::Option *as_json = command->add_flag("--json", options->as_json, "Print everything as JSON");
+    command->add_flag("--all", options->all, "Print every value of every table")->excludes(as_json);
+    command->footer("Example: the records of all frames of the sample\n"
+                    "  qz-isp run --frame all --raw - | qz-isp record show -");
+    on_choice(*command, chosen, options, show_record);
+}
+
+void add_record(CLI::App &app, chosen_command &chosen)
+{
+    CLI::App *group = app.add_subcommand("record", "Dumps of hardware records");
+    group->require_subcommand(1);
+    group->footer("Example:\n  qz-isp record show frame.aic");
+    add_record_show(*group, chosen);
+}
+
+void add_diff(CLI::App &app, chosen_command &chosen)
+{
+    const auto options = std::make_shared<diff_options>();
+    CLI::App *command = app.add_subcommand("diff", "Compare two record dumps, two tunings or two scenes");
+    command->add_option("A", options->a, "Dump, container or its JSON source, or scene; or -")->required();
+    command->add_option("B", options->b, "One of the same kind, or -")->required();
+    CLI::Option *as_json = command->add_flag("--json", options->as_json, "Print every difference as JSON");
+    command->add_flag("--all", options->all, "Print every difference of long lists")->excludes(as_json);
+    command->footer("Exit codes: 0 equal, 1 different, 2 error.\n\n"
+                    "Example: what a new tuning changes in the frames of a scene\n"
+                    "  qz-isp run --frame all --scene night.json --tuning old.vuxb --raw old.aic\n"
+                    "  qz-isp run --frame all --scene night.json --tuning new.vuxb --raw new.aic\n"
+                    "  qz-isp diff old.aic new.aic");
+    on_choice(*command, chosen, options, diff);
+}
+
 } // namespace
 
 int run_command_line(int argc, char **argv)
@@ -102,6 +138,8 @@ int run_command_line(int argc, char **argv)
     chosen_command chosen;
     add_run(app, chosen);
     add_tuning(app, chosen);
+    add_record(app, chosen);
+    add_diff(app, chosen);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

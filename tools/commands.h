@@ -34,4 +34,19 @@ struct show_options {
 };
 int show_tuning(const show_options &options);
 
+struct record_options {
+    std::string file;
+    bool as_json = false;
+    bool all = false;
+};
+int show_record(const record_options &options);
+
+struct diff_options {
+    std::string a;
+    std::string b;
+    bool as_json = false;
+    bool all = false;
+};
+int diff(const diff_options &options);
+
 } // namespace qz::tool

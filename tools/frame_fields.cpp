@@ -28,6 +28,9 @@ constexpr std::array colour_fields = {QZ_FIELD(isp_colour_params, ccm),
                                       QZ_FIELD(isp_colour_params, unused),
                                       QZ_FIELD(isp_colour_params, saturation),
                                       QZ_FIELD(isp_colour_params, gamma_parameter)};
+constexpr std::array sensor = {QZ_FIELD(isp_sensor_description, unused), QZ_FIELD(isp_sensor_description, width),
+                               QZ_FIELD(isp_sensor_description, height), QZ_FIELD(isp_sensor_description, bit_depth),
+                               QZ_FIELD(isp_sensor_description, unused_2)};
 
 // What a sub-record has where only some of its fields are named: no correction.
 template <typename Record>
@@ -49,7 +52,19 @@ void *made(frame_inputs &inputs)
     return &*record;
 }
 
+template <auto member>
+const void *found(const frame_inputs &inputs)
+{
+    const auto &record = inputs.*member;
+    return record ? &*record : nullptr;
+}
+
 void *controls(frame_inputs &inputs)
+{
+    return &inputs.controls;
+}
+
+const void *find_controls(const frame_inputs &inputs)
 {
     return &inputs.controls;
 }
@@ -60,15 +75,26 @@ void *frame_size(frame_inputs &inputs)
     return &inputs.frame->size;
 }
 
-constexpr input_group groups[] = {{"", control_fields, controls},
-                                  {"frame", scaling_fields, made<&frame_inputs::frame>},
-                                  {"frame.size", geometry_fields, frame_size},
-                                  {"exposure", exposure_fields, made<&frame_inputs::exposure>},
-                                  {"scene", scene_fields, made<&frame_inputs::scene>},
-                                  {"colour", colour_fields, made<&frame_inputs::colour>},
-                                  {"aux_size", geometry_fields, made<&frame_inputs::aux_size>}};
+const void *find_frame_size(const frame_inputs &inputs)
+{
+    return inputs.frame ? &inputs.frame->size : nullptr;
+}
+
+constexpr input_group groups[] = {
+    {"", control_fields, controls, find_controls},
+    {"frame", scaling_fields, made<&frame_inputs::frame>, found<&frame_inputs::frame>},
+    {"frame.size", geometry_fields, frame_size, find_frame_size},
+    {"exposure", exposure_fields, made<&frame_inputs::exposure>, found<&frame_inputs::exposure>},
+    {"scene", scene_fields, made<&frame_inputs::scene>, found<&frame_inputs::scene>},
+    {"colour", colour_fields, made<&frame_inputs::colour>, found<&frame_inputs::colour>},
+    {"aux_size", geometry_fields, made<&frame_inputs::aux_size>, found<&frame_inputs::aux_size>}};
 
 } // namespace
+
+std::span<const field> sensor_fields()
+{
+    return sensor;
+}
 
 std::span<const input_group> input_groups()
 {

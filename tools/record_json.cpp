@@ -14,8 +14,13 @@ json shading_json(const record_snapshot &snapshot)
     for (size_t channel = 0; channel < shading_channels; ++channel) {
         const shading_table table = shading_channel(snapshot, channel);
         json rows = json::array();
-        for (size_t row = 0; row < table.rows; ++row)
-            rows.push_back(json(table.entries.subspan(row * table.columns, table.columns)));
+        for (size_t row = 0; row < table.rows; ++row) {
+            json &entries = rows.emplace_back(json::array());
+            for (size_t column = 0; column < table.columns; ++column) {
+                const std::optional<uint16_t> entry = table.at(row, column);
+                entries.push_back(entry ? json(*entry) : json(nullptr));
+            }
+        }
         tables.push_back(std::move(rows));
     }
     return tables;
@@ -26,7 +31,11 @@ json block_json(const record_snapshot &snapshot, const block_layout &block)
     json fields = json::object();
     for (const field &described : block.fields) {
         const std::vector<int64_t> values = field_values(snapshot, block, described);
-        fields[std::string(described.name)] = described.is_list ? json(values) : json(values[0]);
+        json &value = fields[std::string(described.name)];
+        if (described.is_list)
+            value = values;
+        else if (!values.empty())
+            value = values[0];
     }
     if (has_shading_tables(block))
         fields["tables"] = shading_json(snapshot);

@@ -99,9 +99,16 @@ consteval auto placed_fields(uint32_t block_offset)
 AIC_BLOCKS(QZ_PLACED)
 #undef QZ_PLACED
 
-#define QZ_LAYOUT(name, id, size, offset) block_layout{#name, id, offset, name##_fields},
+#define QZ_LAYOUT(name, id, size, offset) block_layout{#name, id, size, offset, name##_fields},
 constexpr std::array blocks = {AIC_BLOCKS(QZ_LAYOUT)};
 #undef QZ_LAYOUT
+
+size_t held_entries(const record_snapshot &snapshot)
+{
+    constexpr size_t tables = AIC_FIXED_SIZE + AIC_LENS_SHADING_TABLES_OFFSET;
+    const size_t bytes = snapshot.bytes_held > tables ? snapshot.bytes_held - tables : 0;
+    return std::min(bytes / sizeof(uint16_t), std::size(snapshot.record.lens_shading.payload.entries));
+}
 
 } // namespace
 
@@ -117,7 +124,7 @@ size_t block_number(const block_layout &block)
 
 record_snapshot take_snapshot(const aic_record &record, uint32_t bytes_used)
 {
-    record_snapshot snapshot = {record, bytes_used};
+    record_snapshot snapshot = {record, bytes_used, sizeof record};
     if constexpr (sizeof(void *) == sizeof(uint32_t)) {
         const auto base = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(&record));
         for (uint32_t &table : snapshot.record.lens_shading.payload.table)
@@ -147,7 +154,8 @@ size_t used_count(const record_snapshot &snapshot, const block_layout &block, co
 
 std::vector<int64_t> field_values(const record_snapshot &snapshot, const block_layout &block, const field &described)
 {
-    std::vector<int64_t> values(used_count(snapshot, block, described));
+    const size_t held = snapshot.bytes_held > described.offset ? snapshot.bytes_held - described.offset : 0;
+    std::vector<int64_t> values(std::min(used_count(snapshot, block, described), held / element_size(described.type)));
     for (size_t i = 0; i < values.size(); ++i)
         values[i] = integer_at(described, &snapshot.record, i);
     return values;
@@ -166,8 +174,10 @@ shading_table shading_channel(const record_snapshot &snapshot, size_t channel)
     if (columns > AIC_LENS_SHADING_MAX_ENTRIES || rows > AIC_LENS_SHADING_MAX_ENTRIES ||
         columns * rows > AIC_LENS_SHADING_MAX_ENTRIES)
         return {};
+    const std::span held = std::span(shading.entries).first(held_entries(snapshot));
     const size_t count = columns * rows;
-    return {std::span(shading.entries).subspan(channel * count, count), columns, rows};
+    const size_t start = std::min(channel * count, held.size());
+    return {held.subspan(start, std::min(count, held.size() - start)), columns, rows};
 }
 
 } // namespace qz::tool

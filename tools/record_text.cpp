@@ -95,10 +95,10 @@ void print_shading_maps(std::string &text, const record_snapshot &snapshot, size
     for (size_t row = 0; row < rows; ++row) {
         text += indent;
         for (const shading_table &table : tables) {
-            const size_t start = spread(row, rows, table.rows) * table.columns;
             for (size_t column = 0; column < columns; ++column) {
-                const double entry = table.entries[start + spread(column, columns, table.columns)];
-                fmt::format_to(text_output(text), "{:.2f} ", entry / shading_unit(snapshot));
+                const std::optional<uint16_t> entry =
+                    table.at(spread(row, rows, table.rows), spread(column, columns, table.columns));
+                text += entry ? fmt::format("{:.2f} ", *entry / shading_unit(snapshot)) : "   - ";
             }
             text += &table == tables ? "   " : "";
         }

@@ -11,11 +11,6 @@ namespace qz::tool {
 
 namespace {
 
-constexpr std::array sensor_fields = {QZ_FIELD(isp_sensor_description, unused), QZ_FIELD(isp_sensor_description, width),
-                                      QZ_FIELD(isp_sensor_description, height),
-                                      QZ_FIELD(isp_sensor_description, bit_depth),
-                                      QZ_FIELD(isp_sensor_description, unused_2)};
-
 uint32_t read_effects(const json_node &node)
 {
     if (node.is_number())
@@ -183,8 +178,8 @@ std::optional<characterisation> read_characterisation(const json_node &parent)
     node->expect_names({"sensor_description", "entry_table"});
     characterisation cmc;
     if (const std::optional<json_node> sensor = node->find("sensor_description")) {
-        sensor->expect_names(field_names(sensor_fields));
-        read_fields(*sensor, sensor_fields, &cmc.sensor_description.emplace());
+        sensor->expect_names(field_names(sensor_fields()));
+        read_fields(*sensor, sensor_fields(), &cmc.sensor_description.emplace());
     }
     if (const std::optional<json_node> table = node->find("entry_table")) {
         cmc.entries.emplace();

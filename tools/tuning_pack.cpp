@@ -299,10 +299,15 @@ byte_buffer pack_container(const std::string &file, std::string_view text)
     return bytes;
 }
 
-byte_buffer container_bytes(const std::string &file, byte_buffer bytes)
+bool is_container(byte_view bytes)
 {
     const auto first = std::ranges::find_if_not(bytes, [](uint8_t byte) { return byte <= ' '; });
-    if (first == bytes.end() || *first != '{')
+    return first == bytes.end() || *first != '{';
+}
+
+byte_buffer container_bytes(const std::string &file, byte_buffer bytes)
+{
+    if (is_container(bytes))
         return bytes;
     return pack_container(file, {reinterpret_cast<const char *>(bytes.data()), bytes.size()});
 }

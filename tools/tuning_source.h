@@ -22,9 +22,13 @@ constexpr element_run fringe_extra_row[] = {{element::u16, 4}};
 
 byte_buffer pack_container(const std::string &file, std::string_view text);
 
+json container_json(const tuning_container &container);
 std::string container_source(const tuning_container &container);
 
-// A container as it is, or the bytes of its JSON source; which of the two the file holds shows in its first bytes.
+// False for bytes that are JSON, as far as their beginning shows.
+bool is_container(byte_view bytes);
+
+// A container as it is, or packed from the bytes of its JSON source.
 byte_buffer container_bytes(const std::string &file, byte_buffer bytes);
 
 } // namespace qz::tool

@@ -199,7 +199,7 @@ json list_json(const record_list &list)
 
 } // namespace
 
-std::string container_source(const tuning_container &container)
+json container_json(const tuning_container &container)
 {
     json result = json::object();
     if (!all_zero(container.header))
@@ -207,7 +207,12 @@ std::string container_source(const tuning_container &container)
     result["records"] = list_json(container.list);
     if (!container.list.trailing.empty())
         result["trailing"] = hex_text(container.list.trailing);
-    return json_text(result);
+    return result;
+}
+
+std::string container_source(const tuning_container &container)
+{
+    return json_text(container_json(container));
 }
 
 } // namespace qz::tool

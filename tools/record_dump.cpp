@@ -1,0 +1,101 @@
+#include "record_dump.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include <fmt/format.h>
+
+#include "error.h"
+#include "tuning_container.h"
+
+namespace qz::tool {
+
+namespace {
+
+constexpr uint32_t header_size = 8;
+constexpr size_t columns_at = offsetof(aic_lens_shading_block, payload.columns);
+constexpr size_t rows_at = offsetof(aic_lens_shading_block, payload.rows);
+
+class dump_reader {
+  public:
+    dump_reader(const std::string &file, byte_view bytes)
+        : file_(file), bytes_(bytes), whole_(bytes.size() % AIC_RECORD_SIZE == 0)
+    {}
+
+    std::vector<record_snapshot> read()
+    {
+        std::vector<record_snapshot> records;
+        for (size_t start = 0; start < bytes_.size() || records.empty(); start += step(records.back()))
+            records.push_back(read_record(start));
+        return records;
+    }
+
+  private:
+    size_t step(const record_snapshot &record) const { return whole_ ? AIC_RECORD_SIZE : record.bytes_used; }
+
+    record_snapshot read_record(size_t start) const
+    {
+        const byte_view rest = bytes_.subspan(start);
+        if (rest.size() < AIC_FIXED_SIZE)
+            throw file_error(file_, fmt::format("offset {}", start), fmt::format("{} bytes", rest.size()),
+                             fmt::format("a record of at least {}", AIC_FIXED_SIZE));
+        for (const block_layout &block : record_blocks()) {
+            if (!has_shading_tables(block))
+                expect_header(start + block.offset, block, block.size);
+        }
+        const uint32_t used = AIC_FIXED_SIZE + shading_size(start + AIC_FIXED_SIZE);
+        // Tables reach beyond the bytes in use, which do not count the fields before them.
+        record_snapshot record = {{}, used, static_cast<uint32_t>(whole_ ? AIC_RECORD_SIZE : used)};
+        std::memcpy(&record.record, rest.data(), record.bytes_held);
+        return record;
+    }
+
+    void expect_header(size_t offset, const block_layout &block, uint32_t size) const
+    {
+        const auto id = word(offset);
+        const auto found = word(offset + 4);
+        if (id != block.id || found != size)
+            throw file_error(file_, fmt::format("offset {}", offset), fmt::format("block {} of size {}", id, found),
+                             fmt::format("block {} ({}) of size {}", block.id, block.name, size));
+    }
+
+    // 0 when what follows the fixed blocks is not the lens shading block.
+    uint32_t shading_size(size_t offset) const
+    {
+        const block_layout &block = record_blocks().back();
+        const size_t rest = bytes_.size() - offset;
+        if (rest < header_size || word(offset) != block.id)
+            return 0;
+        const auto size = word(offset + 4);
+        constexpr uint32_t largest = header_size + 8 * AIC_LENS_SHADING_MAX_ENTRIES;
+        if (size < header_size || size % 8 != 0 || size > std::min<size_t>(rest, largest))
+            throw file_error(file_, fmt::format("offset {}", offset + 4), fmt::format("a size of {}", size),
+                             fmt::format("a multiple of 8 up to {} for block {} ({})", std::min<size_t>(rest, largest),
+                                         block.id, block.name));
+        if (size >= AIC_LENS_SHADING_TABLES_OFFSET)
+            expect_header(offset, block, header_size + 8 * word(offset + columns_at) * word(offset + rows_at));
+        return size;
+    }
+
+    uint32_t word(size_t offset) const { return read_le<uint32_t>(bytes_, offset); }
+
+    const std::string &file_;
+    byte_view bytes_;
+    bool whole_;
+};
+
+} // namespace
+
+bool is_record_dump(byte_view bytes)
+{
+    const block_layout &first = record_blocks().front();
+    return bytes.size() >= header_size && read_le<uint32_t>(bytes, 0) == first.id &&
+           read_le<uint32_t>(bytes, 4) == first.size;
+}
+
+std::vector<record_snapshot> read_records(const std::string &file, byte_view bytes)
+{
+    return dump_reader(file, bytes).read();
+}
+
+} // namespace qz::tool
