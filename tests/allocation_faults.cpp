@@ -51,17 +51,11 @@ void __wrap_free(void *block)
 
 namespace faults {
 
-void fail_allocation(long n)
+void fail_allocation(long n, bool later_too)
 {
     failing = n;
-    and_later = false;
+    and_later = later_too;
     asked = 0;
-}
-
-void fail_from(long n)
-{
-    fail_allocation(n);
-    and_later = true;
 }
 
 long allocations()

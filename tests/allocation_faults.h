@@ -7,13 +7,10 @@ namespace faults {
 
 inline constexpr long never = -1;
 
-// Allocation number n (0 = the next one) fails, once; with never, none does. Restarts the count.
-void fail_allocation(long n);
+// Allocation number n (0 = the next one) fails, once or with every later one; with never, none does. Restarts the count.
+void fail_allocation(long n, bool later_too = false);
 
-// As fail_allocation(), for allocation n and every later one.
-void fail_from(long n);
-
-// Allocations asked for since the last call of fail_allocation() or fail_from(), failed ones included.
+// Allocations asked for since the last call of fail_allocation(), failed ones included.
 long allocations();
 
 // Blocks allocated and not yet freed by the library.

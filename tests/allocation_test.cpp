@@ -1,0 +1,162 @@
+#include <array>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "allocation_faults.h"
+#include "container_builder.h"
+#include "qz_isp/bicubic.h"
+#include "qz_isp/context.h"
+#include "qz_isp/matrix.h"
+#include "qz_isp/polynomial.h"
+
+namespace {
+
+using floats = std::vector<float>;
+
+const floats ones(225, 1.0f);
+const std::vector<uint8_t> bytes(16, 1);
+const float *const plane[4] = {ones.data(), ones.data(), ones.data(), ones.data()};
+const uint8_t *const byte_plane = bytes.data();
+
+// Where the routines write; any of the vectors may be one.
+struct outputs {
+    std::array<floats, 4> values = {floats(225, 7.0f), floats(225, 7.0f), floats(225, 7.0f), floats(225, 7.0f)};
+    std::vector<uint16_t> p10 = std::vector<uint16_t>(64, 7);
+    std::vector<uint32_t> index = std::vector<uint32_t>(15, 7);
+    float *to[4] = {values[0].data(), values[1].data(), values[2].data(), values[3].data()};
+    uint16_t *p10_to = p10.data();
+
+    long written() const
+    {
+        const outputs untouched;
+        long count = (p10 != untouched.p10) + (index != untouched.index);
+        for (const floats &one : values)
+            count += one != untouched.values[0];
+        return count;
+    }
+};
+
+constexpr const char *logged = "qz[0] QZ_ALLOC failed\n";
+
+// The status that a routine returns and the number of outputs that it has written when its allocation 0, 1, ... fails
+// and, last, when none does.
+const struct {
+    const char *name;
+    std::vector<std::pair<uint32_t, long>> outcomes;
+    uint32_t (*call)(outputs &out);
+    const char *log = "";
+} routines[] = {
+    {"resize",
+     {{4, 0}, {0, 1}},
+     [](outputs &out) { return bicubic_resize_32f_to_u16p10(plane[0], 4, 4, out.p10_to, 8, 8); }},
+    {"resize, no rows",
+     {{4, 0}, {0, 0}},
+     [](outputs &out) { return bicubic_resize_32f_to_u16p10(plane[0], 4, 4, out.p10_to, 0, 8); }},
+    {"u8",
+     {{4, 0}, {4, 0}, {0, 1}},
+     [](outputs &out) { return image_bicubic_upscale_uint8_to_float(&byte_plane, out.to, 4, 4, 8, 8, 1); },
+     logged},
+    {"u16, no planes",
+     {{4, 0}, {4, 0}, {0, 0}},
+     [](outputs &) { return image_bicubic_upscale_uint16_to_float(nullptr, nullptr, 4, 4, 8, 8, 0); },
+     logged},
+    {"area average",
+     {{0, 1}},
+     [](outputs &out) { return image_downscale_32f_to_u16p10(plane, &out.p10_to, 4, 4, 3, 3, 1, nullptr); }},
+    {"matrix",
+     {{4, 0}, {0, 2}},
+     [](outputs &out) { return lu_decomposition_m(ones.data(), 12, 4, out.index.data(), out.to[0], 12, 4, 3); }},
+    {"empty matrix",
+     {{0, 0}},
+     [](outputs &out) { return lu_decomposition_m(ones.data(), 12, 4, out.index.data(), out.to[0], 12, 4, 0); }},
+    // The design matrix and its transpose come before the work copy.
+    {"polynomial fit",
+     {{4, 0}, {2, 2}, {0, 4}},
+     [](outputs &out) { return lu_decomposition(out.to[0], out.to[1], out.to[2], out.index.data(), 3, 2, 15); }},
+    // Channel by channel.
+    {"polynomial upscale",
+     {{2, 0}, {2, 0}, {2, 0}, {2, 1}, {2, 2}, {2, 3}, {0, 4}},
+     [](outputs &out) {
+         return lsc_polynomial_upscale_float(ones.data(), ones.data(), nullptr, plane, out.to, 1, 1, 2, 2, 15);
+     }},
+};
+
+TEST(allocation_faults, of_each_routine_are_reported_and_leak_nothing)
+{
+    for (const auto &[name, outcomes, call, log] : routines)
+        for (size_t n = 0; n < outcomes.size(); ++n) {
+            SCOPED_TRACE(name + std::string(", allocation ") + std::to_string(n));
+            outputs out;
+            faults::fail_allocation(static_cast<long>(n));
+            testing::internal::CaptureStderr();
+            EXPECT_EQ(call(out), outcomes[n].first);
+            EXPECT_EQ(testing::internal::GetCapturedStderr(), n + 1 < outcomes.size() ? log : "");
+            EXPECT_EQ(out.written(), outcomes[n].second);
+            EXPECT_EQ(faults::live_blocks(), 0);
+        }
+    EXPECT_EQ(faults::allocations(), 6);
+    faults::fail_allocation(faults::never);
+    if constexpr (sizeof(size_t) == 4) { // 32768^2 floats are 2^32 bytes
+        EXPECT_EQ(bicubic_resize_32f_to_u16p10(nullptr, 32765, 32765, nullptr, 2, 2), 4u);
+    }
+}
+
+// A camera's container and characterisation.
+struct inputs {
+    isp_sensor_description sensor = {{}, 3264, 2448, 10, 0};
+    isp_entry_table_header header = {{}, 2};
+    std::array<uint8_t, 32> table = {};
+    isp_cmc cmc = {nullptr, nullptr, &sensor, &header, table.data()};
+    test::container container;
+
+    explicit inputs(const test::bytes &records) : container(records, 0) {}
+
+    isp_context *init() { return qz_isp_2_7_init(container.blob(), 4, 4, &cmc, nullptr); }
+};
+
+TEST(allocation_faults, one_block_for_the_context_one_for_the_sets_and_one_a_record)
+{
+    inputs in(test::join({test::record(323, test::bytes(6)), test::record(333, test::bytes(4)),
+                          test::record(1, test::bytes(4)), test::record(324, {}), test::record(778, test::bytes(2)),
+                          test::set_container(2, test::record(336, test::bytes(4)))}));
+    faults::fail_allocation(faults::never);
+    isp_context *context = in.init();
+    // Context, three parts of the characterisation, the sets, grown sets, five records, rec_13's second copy.
+    EXPECT_EQ(faults::allocations(), 1 + 3 + 2 + 5 + 1);
+    EXPECT_EQ(faults::live_blocks(), 1 + 3 + 1 + 4);
+    qz_isp_2_7_deinit(context);
+    EXPECT_EQ(faults::live_blocks(), 0);
+}
+
+TEST(allocation_faults, of_init_leave_nothing_behind)
+{
+    // Nested beyond what the walk keeps without the heap.
+    test::bytes records = test::record(326, test::bytes(2));
+    for (uint16_t depth = 40; depth > 0; --depth)
+        records = test::join({test::set_container(depth, records, depth % 2 == 0), test::record(333, test::bytes(4))});
+    inputs in(records);
+
+    faults::fail_allocation(faults::never);
+    qz_isp_2_7_deinit(in.init());
+    const long allocations = faults::allocations();
+    ASSERT_GT(allocations, 80);
+    int survived = 0;
+    for (long n = 0; n < allocations; ++n) {
+        for (const bool later_too : {false, true}) {
+            faults::fail_allocation(n, later_too);
+            isp_context *context = in.init();
+            faults::fail_allocation(faults::never);
+            survived += context != nullptr;
+            qz_isp_2_7_deinit(context);
+            ASSERT_EQ(faults::live_blocks(), 0) << n;
+        }
+    }
+    // The characterisation copy's three blocks and the second copy of each rec_13 may fail.
+    EXPECT_EQ(survived, 3 + 40 + 1);
+}
+
+} // namespace
