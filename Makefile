@@ -7,7 +7,7 @@ LIBRARY_ROOMS := frame tuning color noise_detail util platform
 TIDY_SOURCES = $(shell git ls-files $(addsuffix /*.cpp,$(LIBRARY_ROOMS)) 'tools/*.cpp' 'examples/*.c' 'examples/*.cpp')
 
 .PHONY: help run test $(addprefix test-,$(TEST_PRESETS)) test-tsan check check-format check-tidy check-cppcheck format bench \
-	determinism coverage docs package abi digests pictures clean
+	determinism coverage docs package abi digests pictures report-bundle clean
 
 help:
 	@echo 'make run       install what is missing, build, and print the record of a sample frame'
@@ -19,6 +19,7 @@ help:
 	@echo 'make coverage  line coverage of the tests'
 	@echo 'make docs      API pages from the headers, in build/docs/html'
 	@echo 'make package   Debian packages of the 64-bit and the 32-bit library, in build/packages'
+	@echo 'make report-bundle  the page of qz-isp report, where a build could not make it; takes node and npm'
 	@echo 'make digests   write down changed records of the sample scene, see CONTRIBUTING.md'
 	@echo 'make abi       write down a changed binary interface, see CONTRIBUTING.md'
 
@@ -110,6 +111,10 @@ digests:
 	scripts/install-deps.sh test
 	cmake --preset native > /dev/null
 	cmake --build --preset native --target update-digests
+
+# The page of qz-isp report, for builds on a machine that had no Node.js or no network before.
+report-bundle:
+	node tools/report/build.mjs --required build/report-bundle
 
 # docs/record-layout.svg, from the record's list of blocks.
 pictures:

@@ -1,4 +1,5 @@
 // The program from outside: its commands, output, errors and exit codes.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -12,6 +13,7 @@
 #include <sys/wait.h>
 
 #include "files.h"
+#include "report_page.h"
 #include "sample.h"
 
 using nlohmann::json;
@@ -243,10 +245,49 @@ TEST_F(program, reports_errors_with_exit_codes)
     }
 }
 
+// Gain 640 lies half way between the two keys; the line of 257 entries from 0 to 4095 without brightness.
+TEST_F(program, report_holds_the_frame_s_curves_and_its_gamma_without_brightness)
+{
+    write("tuning.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "rows": [[256, 10], [1024, 40]]}]})");
+    write("scene.json", R"({"frames": [{"nr_mode": 1, "exposure": {"analog_gain": 2.5}, "gamma": {}, "gamma_257": 1,
+                                        "brightness": 127, "name": "</script><!-- <i>\u2028\u00ff"}]})");
+    const result made = run("report - --tuning tuning.json --scene scene.json");
+    const qz::tool::report_page page = qz::tool::built_in_page;
+    if (page.before.empty()) {
+        EXPECT_EQ(made.code, 1);
+        EXPECT_TRUE(contains(made.err, "make report-bundle"));
+        GTEST_SKIP() << "built without the page";
+    }
+    ASSERT_EQ(made.out.substr(0, page.before.size()), page.before);
+    const std::string text =
+        made.out.substr(page.before.size(), made.out.size() - page.before.size() - page.after.size());
+    // Nothing that ends the page's data.
+    EXPECT_EQ(text.find_first_of("<\n"), std::string::npos);
+    EXPECT_TRUE(std::ranges::all_of(text, [](char character) { return character >= ' ' && character <= '~'; }));
+
+    const json data = json::parse(text);
+    const json &frame = data.at("frames").at(0);
+    EXPECT_EQ(frame.at("name"), "</script><!-- <i>\u2028\u00ff");
+    EXPECT_EQ(frame.at("records"), (json{{{"slot", "xnr"}, {"curves", 0}, {"at_gain", {25}}}}));
+    const json &curves = data.at("curves").at(0);
+    EXPECT_EQ(curves.at("keys"), (json{256, 1024}));
+    EXPECT_EQ(curves.at("gains").front(), 128);
+    EXPECT_EQ(curves.at("gains").back(), 2048);
+    EXPECT_EQ(curves.at("columns").at(0).front(), 10);
+    EXPECT_EQ(curves.at("columns").at(0).back(), 40);
+    EXPECT_EQ(frame.at("plain_gamma").at(0).at(128), 2047);
+    EXPECT_GT(fields_by_block(frame)["gamma_0"]["table"][128], 3000);
+}
+
+TEST(report_page, that_is_not_there_is_asked_for)
+{
+    EXPECT_THROW(static_cast<void>(qz::tool::filled({}, {})), std::runtime_error);
+}
+
 TEST_F(program, every_help_has_an_example)
 {
     for (const char *arguments :
-         {"--help", "run --help", "tuning --help", "tuning pack --help", "tuning show --help"}) {
+         {"--help", "run --help", "report --help", "tuning --help", "tuning pack --help", "tuning show --help"}) {
         const result made = run(arguments);
         EXPECT_EQ(made.code, 0) << arguments;
         EXPECT_TRUE(contains(made.out, "Example:")) << arguments;

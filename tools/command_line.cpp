@@ -55,6 +55,18 @@ void add_run(CLI::App &app, chosen_command &chosen)
     on_choice(*command, chosen, options, run);
 }
 
+void add_report(CLI::App &app, chosen_command &chosen)
+{
+    const auto options = std::make_shared<report_options>();
+    CLI::App *command = app.add_subcommand("report", "Write a page that shows a frame's record and tuning as charts");
+    command->add_option("OUT", options->page, "HTML file to write, or -")->required();
+    add_inputs(*command, options->inputs);
+    add_frame(*command, options->frame);
+    command->footer("Example: all frames of a scene, to choose from in the page\n"
+                    "  qz-isp report night.html --tuning sensor.vuxb --scene night.json --frame all");
+    on_choice(*command, chosen, options, report);
+}
+
 void add_tuning_pack(CLI::App &group, chosen_command &chosen)
 {
     const auto options = std::make_shared<pack_options>();
@@ -137,6 +149,7 @@ int run_command_line(int argc, char **argv)
 
     chosen_command chosen;
     add_run(app, chosen);
+    add_report(app, chosen);
     add_tuning(app, chosen);
     add_record(app, chosen);
     add_diff(app, chosen);

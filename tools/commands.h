@@ -22,6 +22,13 @@ struct run_options {
 };
 int run(const run_options &options);
 
+struct report_options {
+    input_files inputs;
+    std::optional<std::string> frame;
+    std::string page;
+};
+int report(const report_options &options);
+
 struct pack_options {
     std::string source;
     std::string container;

@@ -48,6 +48,11 @@ std::string tuning_name(const input_files &files)
     return files.tuning ? input_name(*files.tuning) : sample_name;
 }
 
+std::string scene_name(const input_files &files)
+{
+    return files.scene ? input_name(*files.scene) : sample_name;
+}
+
 std::pair<size_t, size_t> chosen_frames(const scene &inputs, const std::optional<std::string> &choice)
 {
     const size_t count = inputs.frames.size();

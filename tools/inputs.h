@@ -22,8 +22,9 @@ void expect_one_standard_input(const input_files &files);
 scene load_scene(const input_files &files);
 byte_buffer load_container(const input_files &files);
 
-// What messages call the tuning.
+// What messages call the tuning and the scene.
 std::string tuning_name(const input_files &files);
+std::string scene_name(const input_files &files);
 
 // First and one past the last of the frames that --frame names: the last one without it, one by name or number, or
 // "all".

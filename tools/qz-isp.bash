@@ -5,13 +5,20 @@ _qz_isp()
     local words='' files=''
     case "${COMP_WORDS[1]} $COMP_CWORD" in
     *' 1')
-        words='run tuning'
+        words='run report tuning'
         ;;
     'run '*)
         case $previous in
         --tuning | --scene | --raw) files=yes ;;
         --frame) words=all ;;
         *) words='--tuning --scene --frame --json --all --raw' ;;
+        esac
+        ;;
+    'report '*)
+        case $previous in
+        --tuning | --scene) files=yes ;;
+        --frame) words=all ;;
+        *) words='--tuning --scene --frame' files=yes ;;
         esac
         ;;
     'tuning 2')

@@ -1,7 +1,6 @@
 #include <nlohmann/json.hpp>
 
 #include "explain_print.h"
-#include "json.h"
 #include "record_print.h"
 
 namespace qz::tool {
@@ -61,16 +60,20 @@ json record_json(const record_snapshot &snapshot, const std::optional<frame_orig
 
 } // namespace
 
+json frame_json(const computed_frame &frame)
+{
+    json made = {{"index", frame.index}, {"name", frame.name}, {"bytes_used", frame.snapshot.bytes_used}};
+    if (frame.origin)
+        made["origin"] = frame_origin_json(*frame.origin);
+    made["blocks"] = record_json(frame.snapshot, frame.origin);
+    return made;
+}
+
 std::string frames_json(const std::vector<computed_frame> &frames)
 {
     json list = json::array();
-    for (const computed_frame &frame : frames) {
-        json &made = list.emplace_back(json::object());
-        made = {{"index", frame.index}, {"name", frame.name}, {"bytes_used", frame.snapshot.bytes_used}};
-        if (frame.origin)
-            made["origin"] = frame_origin_json(*frame.origin);
-        made["blocks"] = record_json(frame.snapshot, frame.origin);
-    }
+    for (const computed_frame &frame : frames)
+        list.push_back(frame_json(frame));
     return json_text({{"frames", std::move(list)}});
 }
 

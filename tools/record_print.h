@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "explain.h"
+#include "json.h"
 #include "record_layout.h"
 
 namespace qz::tool {
@@ -21,7 +22,8 @@ struct computed_frame {
 // all: every value of every table; otherwise long tables show their first and last row, shading tables a map.
 std::string frames_text(const std::vector<computed_frame> &frames, bool all);
 
-// Everything, as a JSON text.
+// Everything, as JSON and as its text.
+json frame_json(const computed_frame &frame);
 std::string frames_json(const std::vector<computed_frame> &frames);
 
 } // namespace qz::tool

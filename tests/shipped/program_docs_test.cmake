@@ -33,6 +33,7 @@ endfunction()
 
 check_command()
 check_command(run)
+check_command(report)
 check_command(tuning)
 check_command(tuning pack)
 check_command(tuning show)

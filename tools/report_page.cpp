@@ -1,0 +1,34 @@
+#include "report_page.h"
+
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+
+namespace qz::tool {
+
+namespace {
+
+// JSON of ASCII characters that starts no HTML element, comment or end of one.
+std::string inline_json(const json &value)
+{
+    std::string text;
+    for (const char character : value.dump(-1, ' ', true, json::error_handler_t::replace)) {
+        if (character == '<')
+            text += "\\u003c";
+        else
+            text += character;
+    }
+    return text;
+}
+
+} // namespace
+
+std::string filled(const report_page &page, const json &data)
+{
+    if (page.before.empty())
+        throw std::runtime_error("report: found a program that was built without the page, expected one with it: "
+                                 "install Node.js 18 or newer with npm (Debian: nodejs npm), run `make report-bundle`, "
+                                 "which takes packages from the npm registry, and build again");
+    return std::string(page.before) + inline_json(data) + std::string(page.after);
+}
+
+} // namespace qz::tool
