@@ -41,6 +41,22 @@ qz_mkn_record *make_record(uint32_t format, uint32_t name, const void *data, uin
     return made;
 }
 
+size_t key_size_of(const qz_mkn_record &record)
+{
+    return record.key != nullptr ? strlen(record.key) : 0;
+}
+
+// Elements and key, up to a multiple of 4.
+size_t padded_size(const qz_mkn_record &record)
+{
+    return (record.size + key_size_of(record) + 3) & ~size_t{3};
+}
+
+uint8_t *append(uint8_t *to, const void *from, size_t size)
+{
+    return size > 0 ? static_cast<uint8_t *>(memcpy(to, from, size)) + size : to;
+}
+
 } // namespace
 
 struct qz_mkn {
@@ -112,6 +128,29 @@ bool qz_mkn_get_record(const qz_mkn *mkn, uint32_t index, qz_mkn_record *record)
         return false;
     *record = *mkn->records[index];
     return true;
+}
+
+size_t qz_mkn_saved_size(const qz_mkn *mkn)
+{
+    size_t size = sizeof(qz_mkn_saved_header);
+    for (uint32_t i = 0; i < mkn->count; ++i)
+        size += sizeof(qz_mkn_saved_record) + padded_size(*mkn->records[i]);
+    return size;
+}
+
+void qz_mkn_save(const qz_mkn *mkn, void *bytes)
+{
+    const qz_mkn_saved_header header = {QZ_MKN_SAVED_TAG, QZ_MKN_SAVED_VERSION, mkn->count, mkn->dropped, {0, 0}};
+    uint8_t *next = append(static_cast<uint8_t *>(bytes), &header, sizeof header);
+    for (uint32_t i = 0; i < mkn->count; ++i) {
+        const qz_mkn_record &record = *mkn->records[i];
+        const auto key_size = static_cast<uint32_t>(key_size_of(record));
+        const qz_mkn_saved_record saved = {record.format, record.name, record.count, key_size};
+        next = append(next, &saved, sizeof saved);
+        uint8_t *end = append(append(next, record.data, record.size), record.key, key_size);
+        next += padded_size(record);
+        memset(end, 0, static_cast<size_t>(next - end));
+    }
 }
 
 bool qz_mkn_is_valid(const isp_blob *blob, uint32_t tag)

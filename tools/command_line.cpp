@@ -44,11 +44,22 @@ void add_run(CLI::App &app, chosen_command &chosen)
     command->add_option("--raw", options->raw, "Write the record's bytes in use instead of printing")
         ->type_name("FILE")
         ->excludes(as_json);
-    command->add_flag("--all", options->all, "Print every value of every table")->excludes("--json")->excludes("--raw");
+    CLI::Option *makernote =
+        command
+            ->add_option("--makernote", options->makernote,
+                         "Write the makernote of all frames up to the last one instead of printing")
+            ->type_name("FILE")
+            ->excludes("--json")
+            ->excludes("--raw");
+    command->add_flag("--all", options->all, "Print every value of every table")
+        ->excludes("--json")
+        ->excludes("--raw")
+        ->excludes(makernote);
     command
         ->add_flag("--explain", options->explain,
                    "Show where each block's values came from: record, set, rows, strengths, or why defaults")
-        ->excludes("--raw");
+        ->excludes("--raw")
+        ->excludes(makernote);
     command->footer("FILE may be - for standard input or output.\n\n"
                     "Example: the gain-dependent blocks of a scene of your own\n"
                     "  qz-isp run --tuning sensor.vuxb --scene night.json --frame 0");
@@ -99,24 +110,20 @@ void add_tuning(CLI::App &app, chosen_command &chosen)
     add_tuning_show(*group, chosen);
 }
 
-void add_record_show(CLI::App &group, chosen_command &chosen)
+// A group with one command, "show", for dumps of one kind.
+void add_dump(CLI::App &app, chosen_command &chosen, const std::string &name, const std::string &what,
+              int (*show)(const dump_options &), const std::string &example)
 {
-    const auto options = std::make_shared<record_options>();
-    CLI::App *command = group.add_subcommand("show", "Print a dump of one record or several, block by block");
-    command->add_option("FILE", options->file, "Dump of the bytes in use or of whole records, or -")->required();
+    CLI::App *group = app.add_subcommand(name, "Dumps of " + what);
+    group->require_subcommand(1);
+    group->footer(example);
+    const auto options = std::make_shared<dump_options>();
+    CLI::App *command = group->add_subcommand("show", "Print a dump of " + what);
+    command->add_option("FILE", options->file, "The dump, or -")->required();
     CLI::Option *as_json = command->add_flag("--json", options->as_json, "Print everything as JSON");
     command->add_flag("--all", options->all, "Print every value of every table")->excludes(as_json);
-    command->footer("Example: the records of all frames of the sample\n"
-                    "  qz-isp run --frame all --raw - | qz-isp record show -");
-    on_choice(*command, chosen, options, show_record);
-}
-
-void add_record(CLI::App &app, chosen_command &chosen)
-{
-    CLI::App *group = app.add_subcommand("record", "Dumps of hardware records");
-    group->require_subcommand(1);
-    group->footer("Example:\n  qz-isp record show frame.aic");
-    add_record_show(*group, chosen);
+    command->footer(example);
+    on_choice(*command, chosen, options, show);
 }
 
 void add_diff(CLI::App &app, chosen_command &chosen)
@@ -151,7 +158,12 @@ int run_command_line(int argc, char **argv)
     add_run(app, chosen);
     add_report(app, chosen);
     add_tuning(app, chosen);
-    add_record(app, chosen);
+    add_dump(app, chosen, "record", "hardware records, their bytes in use or whole", show_record,
+             "Example: the records of all frames of the sample\n"
+             "  qz-isp run --frame all --raw - | qz-isp record show -");
+    add_dump(app, chosen, "makernote", "a makernote, as the makernote library saves it", show_makernote,
+             "Example: what the frames of the sample leave in the makernote\n"
+             "  qz-isp run --makernote - | qz-isp makernote show -");
     add_diff(app, chosen);
     try {
         app.parse(argc, argv);

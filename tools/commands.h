@@ -16,6 +16,7 @@ struct run_options {
     input_files inputs;
     std::optional<std::string> frame;
     std::optional<std::string> raw;
+    std::optional<std::string> makernote;
     bool as_json = false;
     bool all = false;
     bool explain = false;
@@ -41,12 +42,14 @@ struct show_options {
 };
 int show_tuning(const show_options &options);
 
-struct record_options {
+// Of a dump of records, or of a saved makernote.
+struct dump_options {
     std::string file;
     bool as_json = false;
     bool all = false;
 };
-int show_record(const record_options &options);
+int show_record(const dump_options &options);
+int show_makernote(const dump_options &options);
 
 struct diff_options {
     std::string a;

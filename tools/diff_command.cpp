@@ -150,6 +150,8 @@ std::string differences_text(const std::vector<part_difference> &differences, si
             print_values(text, part, all);
         count += part.values.size();
     }
+    if (differences.empty())
+        return fmt::format("no difference in {}\n", plural(part_count, "part"));
     return text +
            fmt::format("{} in {} of {}\n", plural(count, "difference"), differences.size(), plural(part_count, "part"));
 }

@@ -4,7 +4,7 @@
 
 namespace qz::tool {
 
-int show_record(const record_options &options)
+int show_record(const dump_options &options)
 {
     std::vector<computed_frame> frames;
     for (const record_snapshot &record : read_records(input_name(options.file), read_file(options.file)))

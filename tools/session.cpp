@@ -77,7 +77,8 @@ struct bound_frame {
 
 } // namespace
 
-isp_session::isp_session(byte_buffer container, const std::string &container_name, const scene &setup)
+isp_session::isp_session(byte_buffer container, const std::string &container_name, const scene &setup,
+                         qz_mkn *makernote)
     : container_(std::move(container))
 {
     const isp_blob blob = {container_.data(), static_cast<uint32_t>(container_.size())};
@@ -85,7 +86,7 @@ isp_session::isp_session(byte_buffer container, const std::string &container_nam
     if (setup.cmc)
         bind(*setup.cmc, bound);
     context_.reset(
-        qz_isp_2_7_init(&blob, setup.grid_width, setup.grid_height, setup.cmc ? &bound.cmc : nullptr, nullptr));
+        qz_isp_2_7_init(&blob, setup.grid_width, setup.grid_height, setup.cmc ? &bound.cmc : nullptr, makernote));
     if (!context_)
         throw file_error(container_name,
                          fmt::format("the library did not accept it with a statistics grid of {} x {} cells",

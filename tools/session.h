@@ -6,6 +6,7 @@
 #include <string>
 
 #include "files.h"
+#include "qz_mkn.h"
 #include "record_layout.h"
 #include "scene.h"
 
@@ -13,8 +14,9 @@ namespace qz::tool {
 
 class isp_session {
   public:
-    // container_name is for error messages.
-    isp_session(byte_buffer container, const std::string &container_name, const scene &setup);
+    // container_name is for error messages; the makernote, or null, must outlive the session.
+    isp_session(byte_buffer container, const std::string &container_name, const scene &setup,
+                qz_mkn *makernote = nullptr);
 
     // The record after the frame.
     record_snapshot run(const frame_inputs &inputs);

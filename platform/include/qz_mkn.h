@@ -6,6 +6,7 @@
 #define QZ_MKN_H
 
 #include <stdbool.h>
+#include <stddef.h>
 #include <stdint.h>
 
 #include "qz_isp/blob.h"
@@ -31,6 +32,28 @@ enum qz_mkn_format {
     QZ_MKN_U32 = 6,
     QZ_MKN_TEXT = 9 /**< Characters, without a terminator. */
 };
+
+/** Tag of a saved makernote, whose first four bytes are "QMKN". */
+#define QZ_MKN_SAVED_TAG 0x4e4b4d51u
+/** Version of the saved form. */
+#define QZ_MKN_SAVED_VERSION 1u
+
+/** Header of a saved makernote. All fields are little-endian. */
+typedef struct qz_mkn_saved_header {
+    uint32_t tag;       /**< QZ_MKN_SAVED_TAG. */
+    uint32_t version;   /**< QZ_MKN_SAVED_VERSION. */
+    uint32_t count;     /**< Records that follow. */
+    uint32_t dropped;   /**< Records that could not be kept. */
+    uint32_t unused[2]; /**< 0. */
+} qz_mkn_saved_header;
+
+/** What precedes a saved record's elements, its key, and zero bytes up to a multiple of 4. */
+typedef struct qz_mkn_saved_record {
+    uint32_t format;   /**< Element type, see qz_mkn_format. */
+    uint32_t name;     /**< Name id. */
+    uint32_t count;    /**< Number of elements. */
+    uint32_t key_size; /**< Characters of the key, without a terminator; 0: no key. */
+} qz_mkn_saved_record;
 
 /** Bytes of a container's header. */
 #define QZ_MKN_HEADER_SIZE 24u
@@ -90,6 +113,12 @@ QZ_MKN_API uint32_t qz_mkn_dropped_count(const qz_mkn *mkn);
  * @return false, and @p record as it was, when @p index is not below qz_mkn_record_count()
  */
 QZ_MKN_API bool qz_mkn_get_record(const qz_mkn *mkn, uint32_t index, qz_mkn_record *record);
+
+/** Bytes that qz_mkn_save() writes. */
+QZ_MKN_API size_t qz_mkn_saved_size(const qz_mkn *mkn);
+
+/** Writes a makernote in its saved form: a qz_mkn_saved_header and the records in the order of appending. */
+QZ_MKN_API void qz_mkn_save(const qz_mkn *mkn, void *bytes);
 
 /**
  * Tells whether a blob is a container with the given tag: at least the 24 bytes of the header, the first four of which

@@ -1,0 +1,42 @@
+// Saved makernotes: their records, taken apart.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "fields.h"
+#include "files.h"
+#include "qz_mkn.h"
+
+namespace qz::tool {
+
+struct makernote_record {
+    uint32_t name;
+    uint32_t format; // see qz_mkn_format
+    uint32_t count;
+    byte_view data; // count elements
+    std::string key;
+
+    bool is_text() const { return format == QZ_MKN_TEXT; }
+    std::string text() const { return {data.begin(), data.end()}; }
+    std::vector<int64_t> values() const;
+};
+
+struct saved_makernote {
+    uint32_t dropped; // records that the makernote could not keep
+    std::vector<makernote_record> records;
+};
+
+byte_buffer save_makernote(const qz_mkn *makernote);
+
+// Throws file_error with the offset of what is wrong. The views point into the bytes.
+saved_makernote read_makernote(const std::string &file, byte_view bytes);
+
+// "u16", or empty for a number that is no format.
+std::string_view makernote_format_name(uint32_t format);
+
+// What the ISP library's record of a name holds; empty for other names.
+std::string_view makernote_record_name(uint32_t name);
+
+} // namespace qz::tool
