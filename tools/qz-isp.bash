@@ -5,13 +5,13 @@ _qz_isp()
     local words='' files=''
     case "${COMP_WORDS[1]} $COMP_CWORD" in
     *' 1')
-        words='run report tuning'
+        words='run report diff tuning record makernote'
         ;;
     'run '*)
         case $previous in
-        --tuning | --scene | --raw) files=yes ;;
+        --tuning | --scene | --raw | --makernote) files=yes ;;
         --frame) words=all ;;
-        *) words='--tuning --scene --frame --json --all --raw' ;;
+        *) words='--tuning --scene --frame --json --all --raw --explain --makernote' ;;
         esac
         ;;
     'report '*)
@@ -23,6 +23,13 @@ _qz_isp()
         ;;
     'tuning 2')
         words='pack show'
+        ;;
+    'record 2' | 'makernote 2')
+        words=show
+        ;;
+    'record '* | 'makernote '* | 'diff '*)
+        files=yes
+        words='--json --all'
         ;;
     'tuning '*)
         files=yes
