@@ -1,13 +1,14 @@
 # Thin front of the CMake presets: `make run` and `make test` work on a fresh Debian 12, as root or through sudo.
 SHELL := /bin/bash
 JOBS ?= $(shell nproc)
+FUZZ_SECONDS ?= 60
 TEST_PRESETS := native x86 asan
 SOURCES = $(shell git ls-files '*.c' '*.cpp' '*.h')
 LIBRARY_ROOMS := frame tuning color noise_detail util platform
 TIDY_SOURCES = $(shell git ls-files $(addsuffix /*.cpp,$(LIBRARY_ROOMS)) 'tools/*.cpp' 'examples/*.c' 'examples/*.cpp')
 
 .PHONY: help run test $(addprefix test-,$(TEST_PRESETS)) test-tsan check check-format check-tidy check-cppcheck format bench \
-	determinism coverage docs package abi digests pictures report-bundle clean
+	fuzz determinism coverage docs package abi digests pictures report-bundle clean
 
 help:
 	@echo 'make run       install what is missing, build, and print the record of a sample frame'
@@ -15,6 +16,7 @@ help:
 	@echo 'make check     formatting, clang-tidy and cppcheck'
 	@echo 'make format    format the sources'
 	@echo 'make bench     build and run the benchmarks'
+	@echo 'make fuzz      run the fuzz targets for FUZZ_SECONDS (60) each'
 	@echo 'make determinism  the same results from gcc and clang, unoptimised and optimised'
 	@echo 'make coverage  line coverage of the tests'
 	@echo 'make docs      API pages from the headers, in build/docs/html'
@@ -72,6 +74,12 @@ bench:
 	cmake --preset bench
 	cmake --build --preset bench --parallel $(JOBS)
 	build/bench/qz-isp-bench
+
+fuzz:
+	scripts/install-deps.sh fuzz
+	cmake --preset fuzz > /dev/null
+	cmake --build --preset fuzz --parallel $(JOBS)
+	fuzz/run build/fuzz $(FUZZ_SECONDS) $(JOBS)
 
 determinism:
 	scripts/install-deps.sh determinism

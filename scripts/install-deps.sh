@@ -9,7 +9,7 @@ test="$run g++-multilib qemu-user googletest pkgconf"
 check="$test clang-format clang-tidy cppcheck"
 bench="$run libbenchmark-dev libeigen3-dev libopencv-core-dev libopencv-imgproc-dev libopenblas-dev libyuv-dev
        libxxhash-dev"
-fuzz="$run clang"
+fuzz="$run clang libclang-rt-14-dev llvm"
 determinism="$test clang"
 coverage="$test gcovr"
 docs="doxygen make"

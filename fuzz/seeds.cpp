@@ -1,0 +1,168 @@
+// Writes the seed corpus of every target, made from the program's sample tuning and scene: DIRECTORY/TARGET/NAME.
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "frame_bytes.h"
+#include "json.h"
+#include "sample.h"
+#include "scene.h"
+#include "tuning_source.h"
+
+namespace {
+
+namespace tool = qz::tool;
+using tool::byte_buffer;
+using tool::json;
+
+class corpus {
+  public:
+    corpus(const std::filesystem::path &directory, const std::string &target) : directory_(directory / target)
+    {
+        std::filesystem::create_directories(directory_);
+    }
+
+    void add(const std::string &name, tool::byte_view bytes) const { tool::write_file(directory_ / name, bytes); }
+    void add(const std::string &name, const std::string &text) const { tool::write_text(directory_ / name, text); }
+
+  private:
+    std::filesystem::path directory_;
+};
+
+template <typename T>
+void append(byte_buffer &bytes, const T &value)
+{
+    const auto *first = reinterpret_cast<const uint8_t *>(&value);
+    bytes.insert(bytes.end(), first, first + sizeof value);
+}
+
+void append(byte_buffer &bytes, const std::vector<float> &samples)
+{
+    for (const float sample : samples)
+        append(bytes, sample);
+}
+
+// The sample tuning, and each of its records in a container of its own.
+std::vector<json> tuning_sources()
+{
+    const json whole = tool::parse_json("sample", tool::sample_tuning);
+    std::vector<json> sources = {whole};
+    for (const json &record : whole.at("records"))
+        sources.push_back({{"records", json::array({record})}});
+    return sources;
+}
+
+fuzz::frame_bytes frame_of(const tool::frame_inputs &inputs)
+{
+    fuzz::frame_bytes frame = {};
+    frame.controls = inputs.controls;
+    frame.size = inputs.frame.value_or(isp_frame_desc{});
+    frame.exposure = inputs.exposure.value_or(isp_exposure{});
+    frame.scene = inputs.scene.value_or(isp_scene_params{});
+    frame.colour = inputs.colour.value_or(isp_colour_params{});
+    frame.aux_size = inputs.aux_size.value_or(isp_geometry{});
+    frame.flags = 0xffffffff; // whatever the scene leaves out is there, as zeros
+    if (inputs.gamma)
+        frame.gamma.point_count = inputs.gamma->point_count;
+    if (inputs.lsc) {
+        frame.lsc.width = inputs.lsc->width;
+        frame.lsc.height = inputs.lsc->height;
+        frame.lsc.enable = inputs.lsc->enable;
+    }
+    return frame;
+}
+
+// One curve's or grid's samples serve all channels.
+byte_buffer samples_of(const tool::frame_inputs &inputs)
+{
+    byte_buffer samples;
+    if (inputs.gamma && inputs.gamma->curves[0])
+        append(samples, *inputs.gamma->curves[0]);
+    if (inputs.lsc && inputs.lsc->grids[0])
+        append(samples, *inputs.lsc->grids[0]);
+    return samples;
+}
+
+void write_frames(const corpus &to, const tool::scene &scene, const std::string &name, tool::byte_view container)
+{
+    fuzz::setup_bytes setup = {};
+    setup.flags = 0xff;
+    if (scene.cmc && scene.cmc->sensor_description)
+        setup.sensor = *scene.cmc->sensor_description;
+    setup.entries = 2;
+    for (size_t i = 0; i < scene.frames.size(); ++i) {
+        const byte_buffer samples = samples_of(scene.frames[i]);
+        setup.sample_bytes = static_cast<uint16_t>(samples.size());
+        byte_buffer bytes;
+        append(bytes, setup);
+        append(bytes, frame_of(scene.frames[i]));
+        bytes.insert(bytes.end(), samples.begin(), samples.end());
+        bytes.insert(bytes.end(), container.begin(), container.end());
+        to.add(name + "-" + std::to_string(i), bytes);
+    }
+}
+
+void write_scenes(const corpus &to)
+{
+    const json whole = tool::parse_json("sample", tool::sample_scene);
+    json around = whole;
+    around["frames"] = {json::object()};
+    to.add("without-frames", around.dump());
+    for (const json &frame : whole.at("frames"))
+        for (const auto &[name, value] : frame.items())
+            to.add(name + "-" + std::to_string(value.dump().size()), json{{"frames", {{{name, value}}}}}.dump());
+}
+
+// Every routine with sizes that most of them take, on the sample's gains.
+void write_calls(const corpus &to, const std::vector<float> &gains)
+{
+    constexpr uint8_t routines = 16;
+    constexpr uint16_t sizes[] = {8 * 17 + 1, 8 * 13 + 1, 8 * 9 + 1, 8 * 6 + 1, 8 * 2 + 1, 1, 1, 1};
+    constexpr uint32_t wide_sizes[] = {17, 13, 33, 25, 512, 1024};
+    for (uint8_t routine = 0; routine < routines; ++routine) {
+        byte_buffer narrow = {routine, 0};
+        byte_buffer wide = narrow;
+        append(narrow, sizes);
+        append(wide, wide_sizes);
+        append(narrow, gains);
+        append(wide, gains);
+        to.add(std::to_string(routine), narrow);
+        to.add(std::to_string(routine) + "-wide", wide);
+    }
+}
+
+void write_all(const std::filesystem::path &directory)
+{
+    const tool::scene scene = tool::read_scene("sample", tool::sample_scene);
+    size_t number = 0;
+    for (const json &source : tuning_sources()) {
+        const std::string name = "tuning-" + std::to_string(number++);
+        const byte_buffer container = tool::pack_container(name, source.dump());
+        corpus(directory, "container").add(name, container);
+        corpus(directory, "tool_tuning").add(name, container);
+        corpus(directory, "tool_tuning").add(name + ".json", source.dump());
+        write_frames(corpus(directory, "frame"), scene, name, container);
+    }
+    write_scenes(corpus(directory, "tool_scene"));
+
+    const std::vector<float> &gains = scene.frames.at(0).lsc.value().grids[0].value();
+    write_calls(corpus(directory, "resample"), gains);
+    write_calls(corpus(directory, "matrix"), gains);
+    write_calls(corpus(directory, "statistics"), gains);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc != 2) {
+        std::fputs("usage: seeds DIRECTORY\n", stderr);
+        return 2;
+    }
+    write_all(argv[1]);
+    return 0;
+}
