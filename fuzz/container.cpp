@@ -28,8 +28,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
 
     const isp_blob blob = {container.data(), static_cast<uint32_t>(size)};
     const long before = faults::live_blocks();
-    const auto fail = (how.failing_onwards & 1) != 0 ? faults::fail_from : faults::fail_allocation;
-    fail(how.failing != 0 ? how.failing - 1 : faults::never);
+    faults::fail_allocation(how.failing != 0 ? how.failing - 1 : faults::never, (how.failing_onwards & 1) != 0);
     isp_context *context = qz_isp_2_7_init(&blob, how.grid_width, how.grid_height, nullptr, nullptr);
     faults::fail_allocation(faults::never);
     fuzz::expect(context != nullptr || how.failing != 0 || (how.repaired & 1) == 0 || size < 24,
