@@ -87,8 +87,9 @@ class explain_program : public program_test {
         write("tuning.json", tuning);
         const result made = run("run --explain --json --scene scene.json --tuning tuning.json");
         EXPECT_EQ(made.code, 0) << made.err;
+        const json shown = json::parse(made.out);
         std::map<std::string, json> by_name;
-        for (const json &block : json::parse(made.out).at("frames").at(0).at("blocks"))
+        for (const json &block : shown.at("frames").at(0).at("blocks"))
             by_name[block.at("name")] = block.at("origin");
         return by_name;
     }
@@ -114,8 +115,7 @@ TEST_F(explain_program, names_what_is_missing_or_switched_off)
          "identity, as none of 0 entries is a base set of key 0, as tuning_mode is not 1"},
         {R"({"colour": {}})", "white_balance", "defaults", "the frame has no scene"},
         {R"({"colour": {}, "scene": {}})", "white_balance", "inputs", "colour.white_balance_gain"},
-        {R"({"colour": {}})", "black_level", "defaults",
-         "the frame has no a sensor description with a bit depth of 1 to 31"},
+        {R"({"colour": {}})", "black_level", "defaults", "the sensor has no description with a bit depth of 1 to 31"},
         {R"({"colour": {}, "effects": ["grey"]})", "yuv_to_rgb", "inputs", "effects, which replace colour.ccm"},
         {R"({})", "gamma_1", "kept", "the frame has no gamma curves"},
         {R"({"lsc": {"enable": 1, "width": 1, "height": 1, "grid": [null, null, null, null]}})", "lens_shading",

@@ -165,41 +165,36 @@ class explainer {
     {
         const isp_input_params &controls = inputs_.controls;
         switch (needs) {
-        case gate::noise_reduction: return on(controls.nr_mode >= 1, "nr_mode 0", result);
+        case gate::noise_reduction: return other(controls.nr_mode >= 1, origin::off, "nr_mode 0", result);
         case gate::bayer_noise_reduction:
-            return on(controls.nr_mode >= 2, fmt::format("nr_mode {}, on from 2", controls.nr_mode), result);
-        case gate::edges: return on(controls.edge_mode >= 1, "edge_mode 0", result);
-        case gate::white_balance:
-            return given(inputs_.scene.has_value(), "scene", result) &&
-                   given(inputs_.colour.has_value(), "colour", result);
-        case gate::colour: return given(inputs_.colour.has_value(), "colour", result);
-        case gate::black_level:
-            return given(inputs_.colour.has_value(), "colour", result) &&
-                   given(has_sensor(), "a sensor description with a bit depth of 1 to 31", result);
-        case gate::gamma: return other(inputs_.gamma.has_value(), origin::kept, "gamma curves", result);
-        case gate::lens_shading:
-            return other(inputs_.lsc.has_value() && inputs_.lsc->enable != 0, origin::absent, "lsc with enable 1",
+            return other(controls.nr_mode >= 2, origin::off, fmt::format("nr_mode {}, on from 2", controls.nr_mode),
                          result);
+        case gate::edges: return other(controls.edge_mode >= 1, origin::off, "edge_mode 0", result);
+        case gate::white_balance:
+            return given(inputs_.scene.has_value(), "the frame has no scene", result) &&
+                   given(inputs_.colour.has_value(), "the frame has no colour", result);
+        case gate::colour: return given(inputs_.colour.has_value(), "the frame has no colour", result);
+        case gate::black_level:
+            return given(inputs_.colour.has_value(), "the frame has no colour", result) &&
+                   given(has_sensor(), "the sensor has no description with a bit depth of 1 to 31", result);
+        case gate::gamma:
+            return other(inputs_.gamma.has_value(), origin::kept, "the frame has no gamma curves", result);
+        case gate::lens_shading:
+            return other(inputs_.lsc.has_value() && inputs_.lsc->enable != 0, origin::absent,
+                         "the frame has no lsc with enable 1", result);
         default: return true;
         }
     }
 
-    static bool on(bool is_on, std::string_view mode, block_origin &result)
+    static bool given(bool is_given, std::string_view why, block_origin &result)
     {
-        if (!is_on)
-            result = {origin::off, std::string(mode), std::nullopt, std::nullopt, {}};
-        return is_on;
+        return other(is_given, origin::defaults, why, result);
     }
 
-    static bool given(bool is_given, std::string_view input, block_origin &result)
-    {
-        return other(is_given, origin::defaults, input, result);
-    }
-
-    static bool other(bool is_given, origin otherwise, std::string_view input, block_origin &result)
+    static bool other(bool is_given, origin otherwise, std::string_view why, block_origin &result)
     {
         if (!is_given)
-            result = {otherwise, fmt::format("the frame has no {}", input), std::nullopt, std::nullopt, {}};
+            result = {otherwise, std::string(why), std::nullopt, std::nullopt, {}};
         return is_given;
     }
 
@@ -395,8 +390,9 @@ std::string_view origin_name(origin source)
 frame_origin explain_frame(const isp_session &session, const frame_inputs &inputs)
 {
     const frame_selection selection(session, inputs);
-    frame_origin frame = {inputs.controls.tuning_mode,       current_gain(inputs), saturation_factor(inputs),
-                          inputs.selection_list.has_value(), selection.rules(),    {}};
+    frame_origin frame = {
+        session.tuning_name(),     session.context().set_count,       inputs.controls.tuning_mode, current_gain(inputs),
+        saturation_factor(inputs), inputs.selection_list.has_value(), selection.rules(),           {}};
     const explainer each(session, inputs, selection, frame);
     for (const block_layout &block : record_blocks())
         frame.blocks.push_back(each.explain(*std::ranges::find(block_rules, block.name, &block_rule::block)));

@@ -49,6 +49,8 @@ struct block_origin {
 };
 
 struct frame_origin {
+    std::string tuning; // what messages call it
+    int32_t set_count;  // set indices it has
     uint32_t tuning_mode;
     uint32_t gain; // 256 = unity, 16 bits
     float saturation;

@@ -46,7 +46,9 @@ json frame_origin_json(const frame_origin &frame)
     json rules = json::array();
     for (const evaluated_rule &rule : frame.rules)
         rules.push_back(rule_json(rule));
-    return {{"tuning_mode", frame.tuning_mode},
+    return {{"tuning", frame.tuning},
+            {"set_count", frame.set_count},
+            {"tuning_mode", frame.tuning_mode},
             {"set_order", set_order(frame.tuning_mode)},
             {"index_0_first", frame.index_0_first},
             {"rules", std::move(rules)},

@@ -46,8 +46,10 @@ std::string rows_text(const frame_origin &frame, const row_origin &rows)
 std::string frame_origin_text(const frame_origin &frame)
 {
     const std::array<uint8_t, 3> order = set_order(frame.tuning_mode);
-    std::string text = line("sets", fmt::format("tuning_mode {}: set {}, else set {}, else set {}", frame.tuning_mode,
-                                                order[0], order[1], order[2]));
+    std::string text = line("tuning", fmt::format("{}: {} set {}", frame.tuning, frame.set_count,
+                                                  frame.set_count == 1 ? "index" : "indices"));
+    text += line("sets", fmt::format("tuning_mode {}: set {}, else set {}, else set {}", frame.tuning_mode, order[0],
+                                     order[1], order[2]));
     if (frame.index_0_first)
         text += line("set index", "0 first, as there is a selection_list");
     size_t number = 0;

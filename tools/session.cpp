@@ -77,9 +77,8 @@ struct bound_frame {
 
 } // namespace
 
-isp_session::isp_session(byte_buffer container, const std::string &container_name, const scene &setup,
-                         qz_mkn *makernote)
-    : container_(std::move(container))
+isp_session::isp_session(byte_buffer container, std::string tuning_name, const scene &setup, qz_mkn *makernote)
+    : container_(std::move(container)), tuning_name_(std::move(tuning_name))
 {
     const isp_blob blob = {container_.data(), static_cast<uint32_t>(container_.size())};
     bound_characterisation bound = {};
@@ -88,7 +87,7 @@ isp_session::isp_session(byte_buffer container, const std::string &container_nam
     context_.reset(
         qz_isp_2_7_init(&blob, setup.grid_width, setup.grid_height, setup.cmc ? &bound.cmc : nullptr, makernote));
     if (!context_)
-        throw file_error(container_name,
+        throw file_error(tuning_name_,
                          fmt::format("the library did not accept it with a statistics grid of {} x {} cells",
                                      setup.grid_width, setup.grid_height));
 }

@@ -14,9 +14,8 @@ namespace qz::tool {
 
 class isp_session {
   public:
-    // container_name is for error messages; the makernote, or null, must outlive the session.
-    isp_session(byte_buffer container, const std::string &container_name, const scene &setup,
-                qz_mkn *makernote = nullptr);
+    // tuning_name is what messages call the container; the makernote, or null, must outlive the session.
+    isp_session(byte_buffer container, std::string tuning_name, const scene &setup, qz_mkn *makernote = nullptr);
 
     // The record after the frame.
     record_snapshot run(const frame_inputs &inputs);
@@ -26,6 +25,7 @@ class isp_session {
 
     const isp_context &context() const { return *context_; }
     byte_view container() const { return container_; }
+    const std::string &tuning_name() const { return tuning_name_; }
 
   private:
     struct context_deleter {
@@ -33,6 +33,7 @@ class isp_session {
     };
 
     byte_buffer container_;
+    std::string tuning_name_;
     std::unique_ptr<isp_context, context_deleter> context_;
 };
 
