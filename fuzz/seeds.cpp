@@ -9,8 +9,10 @@
 
 #include "frame_bytes.h"
 #include "json.h"
+#include "makernote_file.h"
 #include "sample.h"
 #include "scene.h"
+#include "session.h"
 #include "tuning_source.h"
 
 namespace {
@@ -135,6 +137,28 @@ void write_calls(const corpus &to, const std::vector<float> &gains)
     }
 }
 
+// The sample's records and makernote.
+void write_dumps(const corpus &to, const tool::scene &scene)
+{
+    tool::isp_session session(tool::pack_container("sample", tool::sample_tuning), "sample", scene);
+    for (const tool::frame_inputs &frame : scene.frames) {
+        const tool::record_snapshot snapshot = session.run(frame);
+        byte_buffer record;
+        append(record, snapshot.record);
+        to.add("whole-" + frame.name, record);
+        record.resize(snapshot.bytes_used);
+        to.add("used-" + frame.name, record);
+        record.resize(AIC_FIXED_SIZE);
+        to.add("fixed-" + frame.name, record);
+    }
+    qz_mkn *makernote = qz_mkn_create();
+    const uint16_t values[] = {1, 2, 3};
+    qz_mkn_add_record(makernote, QZ_MKN_U16, 512, values, 3, nullptr);
+    qz_mkn_add_record(makernote, QZ_MKN_TEXT, 538, "text", 4, "key");
+    to.add("makernote", tool::save_makernote(makernote));
+    qz_mkn_destroy(makernote);
+}
+
 void write_all(const std::filesystem::path &directory)
 {
     const tool::scene scene = tool::read_scene("sample", tool::sample_scene);
@@ -153,6 +177,8 @@ void write_all(const std::filesystem::path &directory)
     write_calls(corpus(directory, "resample"), gains);
     write_calls(corpus(directory, "matrix"), gains);
     write_calls(corpus(directory, "statistics"), gains);
+    write_calls(corpus(directory, "color"), gains);
+    write_dumps(corpus(directory, "tool_dump"), scene);
 }
 
 } // namespace

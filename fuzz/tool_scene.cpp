@@ -1,7 +1,9 @@
-// Scenes as qz-isp reads them; the frames of those that it accepts are run with the sample tuning.
+// Scenes as qz-isp reads them; the frames of those that it accepts are run with the sample tuning and
+// explained.
 #include <string_view>
 
 #include "error.h"
+#include "explain.h"
 #include "input.h"
 #include "sample.h"
 #include "session.h"
@@ -18,8 +20,10 @@ void run_frames(const tool::scene &scene)
     if (uint64_t{scene.grid_width} * scene.grid_height > enough_cells)
         return;
     tool::isp_session session(tuning, "sample", scene);
-    for (const tool::frame_inputs &frame : scene.frames)
+    for (const tool::frame_inputs &frame : scene.frames) {
         session.run(frame);
+        tool::explain_frame(session, frame);
+    }
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "error.h"
+#include "explain.h"
 #include "input.h"
 #include "qz_isp/context.h"
 #include "tuning_source.h"
@@ -10,6 +11,22 @@
 namespace {
 
 namespace tool = qz::tool;
+
+// Where a frame's values come from can be told for whatever the library accepts.
+void explain(tool::byte_view bytes)
+{
+    tool::frame_inputs inputs = {};
+    inputs.frame = isp_frame_desc{{{}, 640, 480}, 1, 1, 1, 1};
+    inputs.aux_size = isp_geometry{{}, 320, 240};
+    inputs.controls.tuning_mode = bytes[4] % 4u; // not read by the library
+    inputs.controls.nr_mode = 2;
+    inputs.controls.edge_mode = 1;
+    const tool::isp_session session({bytes.begin(), bytes.end()}, "input", {});
+    const tool::frame_origin origin = tool::explain_frame(session, inputs);
+    for (const tool::block_origin &block : origin.blocks)
+        fuzz::expect(!block.rows || std::max(block.rows->lower, block.rows->upper) < block.rows->count,
+                     "rows around the gain are rows of the record");
+}
 
 bool library_accepts(tool::byte_view container)
 {
@@ -23,6 +40,8 @@ void check(tool::byte_view bytes)
 {
     const tool::tuning_container container = tool::read_container("input", bytes);
     fuzz::expect(library_accepts(bytes) != container.has_errors(), "problems are what the library refuses");
+    if (!container.has_errors())
+        explain(bytes);
     for (const tool::tuning_problem &problem : container.problems)
         fuzz::expect(problem.offset < bytes.size(), "problems lie in the file");
     const tool::byte_buffer packed = tool::pack_container("source", tool::container_source(container));
