@@ -1,69 +1,28 @@
 // The program from outside: its commands, output, errors and exit codes.
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <string>
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
-#include <sys/wait.h>
 
-#include "files.h"
+#include "program.h"
 #include "report_page.h"
 #include "sample.h"
 
 using nlohmann::json;
-using qz::tool::byte_buffer;
 
 namespace {
 
-struct result {
-    int code;
-    std::string out;
-    std::string err;
-};
-
-class program : public testing::Test {
+class program : public program_test {
   protected:
-    program()
-    {
-        std::string pattern = (std::filesystem::temp_directory_path() / "qz-isp-XXXXXX").string();
-        directory_ = mkdtemp(pattern.data());
-    }
-    ~program() override { std::filesystem::remove_all(directory_); }
-
-    std::string path(const std::string &name) const { return (directory_ / name).string(); }
-
-    std::string text_of(const std::string &name) const
-    {
-        const byte_buffer bytes = qz::tool::read_file(path(name));
-        return {bytes.begin(), bytes.end()};
-    }
-
-    void write(const std::string &name, std::string_view text) const { qz::tool::write_text(path(name), text); }
-
-    // Arguments as a shell takes them, in the directory of the test; before: what comes before the program in a pipe.
-    result run(const std::string &arguments, const std::string &before = "") const
-    {
-        const std::string command =
-            "cd " + directory_.string() + " && " + before + " " QZ_TOOL_COMMAND " " + arguments + " > out 2> err";
-        const int status = std::system(command.c_str()); // NOLINT(cert-env33-c): that is what is tested
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, text_of("out"), text_of("err")};
-    }
-
     json frame(const std::string &arguments) const
     {
         const result made = run("run --json " + arguments);
         EXPECT_EQ(made.code, 0) << made.err;
         return json::parse(made.out).at("frames").at(0);
     }
-
-  private:
-    std::filesystem::path directory_;
 };
 
 std::map<std::string, json> fields_by_block(const json &frame)
@@ -79,11 +38,6 @@ uint32_t word_at(const std::string &bytes, size_t offset)
     uint32_t word = 0;
     std::memcpy(&word, bytes.data() + offset, sizeof word);
     return word;
-}
-
-bool contains(const std::string &text, std::string_view part)
-{
-    return text.find(part) != std::string::npos;
 }
 
 TEST_F(program, without_arguments_prints_the_last_sample_frame_as_blocks)

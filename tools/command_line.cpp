@@ -21,9 +21,10 @@ void add_inputs(CLI::App &command, input_files &inputs)
     command.add_option("--scene", inputs.scene, "JSON file of frame inputs; else the sample")->type_name("FILE");
 }
 
-void add_frame(CLI::App &command, std::optional<std::string> &frame)
+void add_frame(CLI::App &command, std::optional<std::string> &frame,
+               const std::string &description = "Frame to show: its number from 0, its name, or all")
 {
-    command.add_option("--frame", frame, "Frame to show: its number from 0, its name, or all")->type_name("FRAME");
+    command.add_option("--frame", frame, description)->type_name("FRAME");
 }
 
 // Options live as long as the program; "chosen" runs the command once all of the line is read.
@@ -76,6 +77,35 @@ void add_report(CLI::App &app, chosen_command &chosen)
     command->footer("Example: all frames of a scene, to choose from in the page\n"
                     "  qz-isp report night.html --tuning sensor.vuxb --scene night.json --frame all");
     on_choice(*command, chosen, options, report);
+}
+
+void add_sweep(CLI::App &app, chosen_command &chosen)
+{
+    const auto options = std::make_shared<sweep_options>();
+    CLI::App *command = app.add_subcommand("sweep", "Compute a frame over ranges of its inputs, one row a frame");
+    command
+        ->add_option("--over", options->over,
+                     "NAME=FIRST..LAST:STEP or NAME=VALUE,VALUE; the last one given runs fastest")
+        ->type_name("RANGE")
+        ->required()
+        ->allow_extra_args(false);
+    command
+        ->add_option("--fields", options->fields,
+                     "Values to print: BLOCK.FIELD, BLOCK.FIELD[INDEX], BLOCK.*, bytes_used, checksum")
+        ->type_name("FIELD,...");
+    add_inputs(*command, options->inputs);
+    add_frame(*command, options->frame, "Frame to start from, by number or name; else the last");
+    command->add_option("--format", options->format, "csv, or jsonl for JSON lines")
+        ->type_name("FORMAT")
+        ->check(CLI::IsMember({"csv", "jsonl"}));
+    command->add_flag("--no-header", options->no_header, "Leave out the line of names");
+    command->add_option("--shard", options->shard, "Compute the rows of part I of N only")->type_name("I/N");
+    command->add_option("--output", options->output, "Write here instead of standard output")->type_name("FILE");
+    command->footer(
+        "FILE may be - for standard input or output.\n\n"
+        "Example: edge enhancement over gain and sharpness\n"
+        "  qz-isp sweep --over gain=1..16:0.5 --over sharpness=-128..127:32 --fields 'block13.param0,block5.*'");
+    on_choice(*command, chosen, options, sweep);
 }
 
 void add_tuning_pack(CLI::App &group, chosen_command &chosen)
@@ -157,6 +187,7 @@ int run_command_line(int argc, char **argv)
     chosen_command chosen;
     add_run(app, chosen);
     add_report(app, chosen);
+    add_sweep(app, chosen);
     add_tuning(app, chosen);
     add_dump(app, chosen, "record", "hardware records, their bytes in use or whole", show_record,
              "Example: the records of all frames of the sample\n"

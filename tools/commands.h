@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "inputs.h"
 
@@ -11,6 +12,7 @@ namespace qz::tool {
 constexpr int exit_success = 0;
 constexpr int exit_failure = 1; // a file or its contents are wrong
 constexpr int exit_usage = 2;
+constexpr int exit_closed_pipe = 141; // what a shell reports of a program that SIGPIPE ended
 
 struct run_options {
     input_files inputs;
@@ -29,6 +31,18 @@ struct report_options {
     std::string page;
 };
 int report(const report_options &options);
+
+struct sweep_options {
+    input_files inputs;
+    std::optional<std::string> frame;
+    std::vector<std::string> over;
+    std::optional<std::string> fields;
+    std::string format = "csv"; // or "jsonl"
+    bool no_header = false;
+    std::optional<std::string> shard;
+    std::string output = "-";
+};
+int sweep(const sweep_options &options);
 
 struct pack_options {
     std::string source;

@@ -21,4 +21,10 @@ class usage_error : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// The reader of a pipe has seen enough: ends the command without a message.
+class closed_pipe : public std::runtime_error {
+  public:
+    closed_pipe() : std::runtime_error("closed pipe") {}
+};
+
 } // namespace qz::tool

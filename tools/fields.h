@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <vector>
@@ -63,6 +65,9 @@ consteval field with_type(field described, element type)
 
 size_t element_size(element type);
 
+// Where an element is in a struct.
+void *element_at(const field &described, void *base, size_t index);
+
 // Calls visitor with a value of the element's C type.
 template <typename Visitor>
 auto visit_type(element type, Visitor visitor)
@@ -84,5 +89,21 @@ int64_t integer_at(const field &described, const void *base, size_t index);
 double number_at(const field &described, const void *base, size_t index);
 
 std::vector<std::string_view> field_names(std::span<const field> fields);
+
+// Elements of a field.
+struct field_part {
+    const field *described;
+    uint32_t first;
+    uint32_t count;
+};
+
+// A field by its name, "param", or one element of a list, "param[2]" or "param2".
+std::optional<field_part> find_part(std::span<const field> fields, std::string_view name);
+
+// The name of an element, "param[2]" where the field is a list.
+std::string element_name(const field &described, size_t index);
+
+// The elements that find_part() knows, for messages: "shift", "gain[0] to gain[3]"; each after the prefix.
+std::string element_names(const field &described, std::string_view prefix = "");
 
 } // namespace qz::tool

@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <memory>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -12,18 +11,11 @@
 
 namespace qz::tool {
 
-namespace {
-
-struct file_closer {
-    void operator()(FILE *file) const
-    {
-        if (file != stdin && file != stdout)
-            static_cast<void>(std::fclose(file));
-    }
-};
-using file_handle = std::unique_ptr<FILE, file_closer>;
-
-} // namespace
+void file_closer::operator()(FILE *file) const
+{
+    if (file != stdin && file != stdout)
+        static_cast<void>(std::fclose(file));
+}
 
 std::string input_name(const std::string &file)
 {
@@ -50,15 +42,38 @@ byte_buffer read_file(const std::string &file)
     return bytes;
 }
 
+output_file::output_file(const std::string &file)
+    : name_(file == "-" ? "standard output" : file), handle_(file == "-" ? stdout : std::fopen(file.c_str(), "wb"))
+{
+    if (!handle_)
+        fail("cannot be opened");
+}
+
+void output_file::write(byte_view bytes)
+{
+    if (std::fwrite(bytes.data(), 1, bytes.size(), handle_.get()) != bytes.size())
+        fail("cannot be written");
+}
+
+void output_file::finish()
+{
+    if (std::fflush(handle_.get()) != 0)
+        fail("cannot be written");
+}
+
+void output_file::fail(const char *what) const
+{
+    const int number = errno;
+    if (number == EPIPE)
+        throw closed_pipe();
+    throw file_error(name_, fmt::format("{}: {}", what, std::strerror(number)));
+}
+
 void write_file(const std::string &file, byte_view bytes)
 {
-    const std::string name = file == "-" ? "standard output" : file;
-    const file_handle handle(file == "-" ? stdout : std::fopen(file.c_str(), "wb"));
-    if (!handle)
-        throw file_error(name, std::string("cannot be opened: ") + std::strerror(errno));
-    const size_t count = std::fwrite(bytes.data(), 1, bytes.size(), handle.get());
-    if (count != bytes.size() || std::fflush(handle.get()) != 0)
-        throw file_error(name, std::string("cannot be written: ") + std::strerror(errno));
+    output_file output(file);
+    output.write(bytes);
+    output.finish();
 }
 
 void write_text(const std::string &file, std::string_view text)

@@ -10,7 +10,7 @@ namespace {
 
 void read_element(const json_node &node, const field &described, void *base, size_t index)
 {
-    auto *target = static_cast<uint8_t *>(base) + described.offset + index * element_size(described.type);
+    void *target = element_at(described, base, index);
     visit_type(described.type, [&](auto typed) {
         using type = decltype(typed);
         if constexpr (std::is_floating_point_v<type>)

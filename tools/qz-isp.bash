@@ -5,7 +5,7 @@ _qz_isp()
     local words='' files=''
     case "${COMP_WORDS[1]} $COMP_CWORD" in
     *' 1')
-        words='run report diff tuning record makernote'
+        words='run report sweep diff tuning record makernote'
         ;;
     'run '*)
         case $previous in
@@ -19,6 +19,13 @@ _qz_isp()
         --tuning | --scene) files=yes ;;
         --frame) words=all ;;
         *) words='--tuning --scene --frame' files=yes ;;
+        esac
+        ;;
+    'sweep '*)
+        case $previous in
+        --tuning | --scene | --output) files=yes ;;
+        --format) words='csv jsonl' ;;
+        *) words='--over --fields --tuning --scene --frame --format --no-header --shard --output' ;;
         esac
         ;;
     'tuning 2')

@@ -1,5 +1,7 @@
 #include "session.h"
 
+#include <cstring>
+
 #include <fmt/format.h>
 
 #include "error.h"
@@ -100,6 +102,12 @@ record_snapshot isp_session::run(const frame_inputs &inputs)
     if (status != ISP_SUCCESS || output.record == nullptr)
         throw std::runtime_error(fmt::format("the frame run failed with status {}", status));
     return take_snapshot(*output.record, output.bytes_used);
+}
+
+void isp_session::forget_frames()
+{
+    std::memset(context_->aic_output, 0, sizeof *context_->aic_output);
+    context_->frame_counter = 0;
 }
 
 isp_tuning_set isp_session::selection(const frame_inputs &inputs) const

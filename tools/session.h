@@ -20,6 +20,9 @@ class isp_session {
     // The record after the frame.
     record_snapshot run(const frame_inputs &inputs);
 
+    // What a new context would have: nothing is left of the frames before.
+    void forget_frames();
+
     // The records that the library selects for the frame; they are the context's.
     isp_tuning_set selection(const frame_inputs &inputs) const;
 

@@ -9,7 +9,7 @@ string(REPLACE "\\-" "-" manual "${manual}")
 function(check_command)
   execute_process(COMMAND ${PROGRAM} ${ARGN} --help OUTPUT_VARIABLE help COMMAND_ERROR_IS_FATAL ANY)
   string(REGEX REPLACE "\n(Example|Exit|FILE).*" "" help "${help}")
-  string(REGEX MATCHALL "\n  [a-z]+ |--[a-z]+" words "${help}") # subcommands and options
+  string(REGEX MATCHALL "\n  [a-z]+ |--[a-z-]+" words "${help}") # subcommands and options
   list(TRANSFORM words STRIP)
   list(JOIN ARGN " " command)
   execute_process(
@@ -34,6 +34,7 @@ endfunction()
 check_command()
 check_command(run)
 check_command(report)
+check_command(sweep)
 check_command(tuning)
 check_command(tuning pack)
 check_command(tuning show)

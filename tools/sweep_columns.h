@@ -1,0 +1,28 @@
+// Values of the record that a sweep prints, chosen by name.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "record_layout.h"
+
+namespace qz::tool {
+
+struct sweep_column {
+    std::string name;
+    const block_layout *block; // null: a number about the whole record
+    const field *described;
+    uint32_t index;
+    uint32_t (*whole)(const record_snapshot &snapshot);
+};
+
+// items: BLOCK.FIELD, BLOCK.FIELD[INDEX], BLOCK.*, bytes_used and checksum, with commas between; none: the last two and
+// every field of at most 16 values. Throws usage_error.
+std::vector<sweep_column> choose_columns(const std::optional<std::string> &items);
+
+// Nothing where the frame's record does not have the value.
+std::optional<int64_t> column_value(const sweep_column &column, const record_snapshot &snapshot);
+
+} // namespace qz::tool

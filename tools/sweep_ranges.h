@@ -1,0 +1,44 @@
+// The values that a sweep gives to the inputs of its frame: the product of ranges, the first one slowest.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "fields.h"
+#include "scene.h"
+
+namespace qz::tool {
+
+struct sweep_range {
+    std::string name;
+    element type;             // of the input
+    void *input;              // in the frame's inputs
+    std::vector<double> list; // the values; where there are none: count values from first on
+    double first;
+    double step;
+    double last;
+    uint64_t count;
+
+    double value(uint64_t place) const;
+};
+
+class sweep_ranges {
+  public:
+    // options: "NAME=FIRST..LAST:STEP" or "NAME=VALUE,VALUE". The inputs are set in place and must stay where they are.
+    // Throws usage_error.
+    sweep_ranges(const std::vector<std::string> &options, frame_inputs &inputs);
+
+    uint64_t rows() const { return rows_; }
+    const std::vector<sweep_range> &ranges() const { return ranges_; }
+
+    // Sets the inputs of a row.
+    void apply(uint64_t row) const;
+
+  private:
+    std::vector<sweep_range> ranges_;
+    uint64_t rows_ = 1;
+};
+
+} // namespace qz::tool
