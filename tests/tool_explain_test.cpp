@@ -71,7 +71,7 @@ TEST(explain, rows_weights_and_factors_lead_to_the_record)
             frame.controls.nr_strength = static_cast<int8_t>(strength);
             frame.controls.sharpness = static_cast<int8_t>(strength / 2);
             const record_snapshot record = session.run(frame);
-            const frame_origin origin = explain_frame(session, frame);
+            const frame_origin origin = explain_frame(session, frame, record);
             for (const explained_values &each : explained)
                 expect_explained(each, origin, record);
         }
@@ -119,7 +119,9 @@ TEST_F(explain_program, names_what_is_missing_or_switched_off)
         {R"({"colour": {}, "effects": ["grey"]})", "yuv_to_rgb", "inputs", "effects, which replace colour.ccm"},
         {R"({})", "gamma_1", "kept", "the frame has no gamma curves"},
         {R"({"lsc": {"enable": 1, "width": 1, "height": 1, "grid": [null, null, null, null]}})", "lens_shading",
-         "inputs", "refused: a size or a scaling term of frame or lsc is 0 or missing"},
+         "inputs",
+         "refused: a size or a scaling term of frame or lsc is 0 or missing, or a table would have more than 3789 "
+         "entries"},
         {R"({})", "block_22", "fixed", ""},
     };
     for (const expectation &each : expected) {

@@ -6,106 +6,12 @@
 
 #include <fmt/format.h>
 
+#include "block_sources.h"
 #include "qz_isp/color.h"
 
 namespace qz::tool {
 
 namespace {
-
-// What has to be there or switched on for a block to be computed.
-enum class gate : uint8_t {
-    always,
-    fixed,
-    counter,
-    noise_reduction,       // nr_mode 1 and above
-    bayer_noise_reduction, // nr_mode 2 and above
-    edges,                 // edge_mode 1 and above
-    white_balance,
-    colour,
-    black_level,
-    gamma,
-    lens_shading,
-};
-
-enum class control : uint8_t { none, nr_strength, sharpness, hue, saturation, tone };
-
-// Factors of a strength at its ends; 1.0 at 0, linear between.
-struct factor_rule {
-    control by;
-    double at_127;
-    double at_minus_128;
-    std::string_view meaning;
-};
-
-// How a block comes about.
-struct block_rule {
-    std::string_view block;
-    std::string_view slot; // of the tuning set; empty: none
-    gate needs;
-    std::string_view inputs; // what goes in beside the record
-    std::vector<factor_rule> factors = {};
-};
-
-constexpr std::string_view part_to_65535 = "part of the way of field_4_to_7 to 65535";
-constexpr std::string_view part_to_0 = "part of the way of field_4_to_7 to 0";
-
-const block_rule block_rules[] = {
-    {"white_balance", "", gate::white_balance, "colour.white_balance_gain"},
-    {"defect_pixel", "defect_pixel_correction", gate::always, "gain: the coefficients of white_balance"},
-    {"long_3", "long_3", gate::always, "gain: white_balance's gains with 9 fractional bits"},
-    {"yuv_to_rgb", "", gate::colour, "colour.ccm"},
-    {"temporal_noise_reduction",
-     "temporal_noise_reduction",
-     gate::noise_reduction,
-     "",
-     {{control::nr_strength, 5.0, 0.2, "factor of param[0]"}}},
-    {"rec_3", "rec_3", gate::always, ""},
-    {"y_edge_enhancement",
-     "y_edge_enhancement",
-     gate::noise_reduction,
-     "",
-     {{control::sharpness, 5.0, 0.2, "factor of param[0..3], up to 8191"}}},
-    {"fringe_control", "fringe_control", gate::edges, "", {{control::sharpness, 1.0, 1.0, part_to_65535}}},
-    {"block_9", "", gate::always, "block9_control XOR 1"},
-    {"chroma_nr",
-     "chroma_nr",
-     gate::noise_reduction,
-     "",
-     {{control::nr_strength, 0.2, 5.0, "factor of field[2..7], up to 8191"}}},
-    {"ctc", "ctc_config", gate::always, "", {{control::saturation, 0, 0, "factor of the tuned values"}}},
-    {"rec_13_a", "rec_13", gate::always, "bytes 10 and 11, which count as 0 in version 100"},
-    {"rec_13_b", "rec_13", gate::always, "bytes 8 and 9"},
-    {"edge_enhancement",
-     "edge_enhancement",
-     gate::edges,
-     "",
-     {{control::sharpness, 3.0, 0.333, "factor of param[0]"}, {control::sharpness, 2.0, 0.5, "factor of param[2]"}}},
-    {"macc", "macc", gate::always, "", {{control::hue, 0, 0, "degrees of rotation of every sector"}}},
-    {"macc_shift", "macc", gate::always, "bit length of macc's largest integer part"},
-    {"noise_reduction",
-     "noise_reduction",
-     gate::bayer_noise_reduction,
-     "",
-     {{control::nr_strength, 5.0, 0.2, "factor of param[0..1], up to 65535"}}},
-    {"black_level", "", gate::black_level, "colour.black_level and the sensor's bit depth"},
-    {"xnr", "xnr", gate::noise_reduction, ""},
-    {"rgb_to_yuv", "", gate::fixed, "BT.601 full range"},
-    {"rec_16", "rec_16", gate::always, "value[3..5]; the others are fixed"},
-    {"block_21", "", gate::fixed, ""},
-    {"block_22", "", gate::fixed, ""},
-    {"block_23", "", gate::fixed, ""},
-    {"long_5", "long_5", gate::always, "curves times the scales of the first row"},
-    {"long_6", "long_6", gate::always, ""},
-    {"long_7", "long_7", gate::always, ""},
-    {"long_13", "long_13", gate::always, ""},
-    {"long_11", "long_11", gate::always, ""},
-    {"long_12", "long_12", gate::always, ""},
-    {"frame_counter", "", gate::counter, "frames run before"},
-    {"gamma_0", "", gate::gamma, "gamma.curve[0]", {{control::tone, 0, 0, ""}}},
-    {"gamma_1", "", gate::gamma, "gamma.curve[1]", {{control::tone, 0, 0, ""}}},
-    {"gamma_2", "", gate::gamma, "gamma.curve[2]", {{control::tone, 0, 0, ""}}},
-    {"lens_shading", "", gate::lens_shading, "lsc.grid, frame, and the black levels as factors"},
-};
 
 uint32_t current_gain(const frame_inputs &inputs)
 {
@@ -140,18 +46,18 @@ double signed_part(int value)
 class explainer {
   public:
     explainer(const isp_session &session, const frame_inputs &inputs, const frame_selection &selection,
-              const frame_origin &frame)
-        : inputs_(inputs), selection_(selection), frame_(frame), cmc_(session.context().cmc)
+              const record_snapshot &record, const frame_origin &frame)
+        : inputs_(inputs), selection_(selection), record_(record), frame_(frame), cmc_(session.context().cmc)
     {}
 
-    block_origin explain(const block_rule &rule) const
+    block_origin explain(const block_source &rule) const
     {
         block_origin result = {origin::inputs, std::string(rule.inputs), std::nullopt, std::nullopt, {}};
         if (rule.needs == gate::fixed)
             result.source = origin::fixed;
         else if (rule.needs == gate::counter)
             result.source = origin::context;
-        else if (!add_gate(rule.needs, result) || (!rule.slot.empty() && !add_record(rule, result)))
+        else if (!add_gate(rule.needs, rule.block, result) || (!rule.slot.empty() && !add_record(rule, result)))
             return result;
         for (const factor_rule &factor : rule.factors)
             add_control(factor, result.controls);
@@ -161,7 +67,7 @@ class explainer {
 
   private:
     // False when the block is not computed in this frame.
-    bool add_gate(gate needs, block_origin &result) const
+    bool add_gate(gate needs, std::string_view block, block_origin &result) const
     {
         const isp_input_params &controls = inputs_.controls;
         switch (needs) {
@@ -178,7 +84,8 @@ class explainer {
             return given(inputs_.colour.has_value(), "the frame has no colour", result) &&
                    given(has_sensor(), "the sensor has no description with a bit depth of 1 to 31", result);
         case gate::gamma:
-            return other(inputs_.gamma.has_value(), origin::kept, "the frame has no gamma curves", result);
+            return other(inputs_.gamma.has_value(), origin::kept, "the frame has no gamma curves", result) &&
+                   other(has_curve(block), origin::kept, "a curve of fewer than 2 points", result);
         case gate::lens_shading:
             return other(inputs_.lsc.has_value() && inputs_.lsc->enable != 0, origin::absent,
                          "the frame has no lsc with enable 1", result);
@@ -198,27 +105,21 @@ class explainer {
         return is_given;
     }
 
+    // Without a curve of its own a channel has a straight line.
+    bool has_curve(std::string_view block) const
+    {
+        const auto channel = static_cast<size_t>(block.back() - '0');
+        return !inputs_.gamma->curves.at(channel) || inputs_.gamma->point_count >= 2;
+    }
+
     bool has_sensor() const
     {
         const isp_sensor_description *sensor = cmc_ != nullptr ? cmc_->sensor_description : nullptr;
         return sensor != nullptr && sensor->bit_depth >= 1 && sensor->bit_depth <= 31;
     }
 
-    // What lens shading needs beside its grids.
-    bool has_shading_sizes() const
-    {
-        if (!inputs_.frame || inputs_.lsc->width == 0 || inputs_.lsc->height == 0)
-            return false;
-        const isp_frame_desc &frame = *inputs_.frame;
-        const auto scaled = [](unsigned size, unsigned numerator, unsigned denominator) {
-            return denominator != 0 && static_cast<uint16_t>(size * numerator / denominator) != 0;
-        };
-        return scaled(frame.size.width, frame.horizontal_numerator, frame.horizontal_denominator) &&
-               scaled(frame.size.height, frame.vertical_numerator, frame.vertical_denominator);
-    }
-
     // False when the values are not the record's.
-    bool add_record(const block_rule &rule, block_origin &result) const
+    bool add_record(const block_source &rule, block_origin &result) const
     {
         result.record = selection_.find(rule.slot);
         if (!result.record) {
@@ -235,7 +136,7 @@ class explainer {
         return true;
     }
 
-    bool add_rows(const block_rule &rule, block_origin &result) const
+    bool add_rows(const block_source &rule, block_origin &result) const
     {
         const record_rows rows = rows_of(*result.record);
         if (rows.count > 0) {
@@ -327,12 +228,13 @@ class explainer {
                 {"nr_strength", double(input.nr_strength), strength_factor(input.nr_strength, rule), rule.meaning});
             break;
         case control::sharpness:
-            if (rule.meaning == part_to_65535)
-                controls.push_back({"sharpness", double(input.sharpness), std::abs(signed_part(input.sharpness)),
-                                    input.sharpness < 0 ? part_to_0 : part_to_65535});
-            else
-                controls.push_back(
-                    {"sharpness", double(input.sharpness), strength_factor(input.sharpness, rule), rule.meaning});
+            controls.push_back(
+                {"sharpness", double(input.sharpness), strength_factor(input.sharpness, rule), rule.meaning});
+            break;
+        case control::fringe_sharpness:
+            controls.push_back({"sharpness", double(input.sharpness), std::abs(signed_part(input.sharpness)),
+                                input.sharpness < 0 ? "part of the way of field_4_to_7 to 0"
+                                                    : "part of the way of field_4_to_7 to 65535"});
             break;
         case control::hue:
             controls.push_back({"hue", double(input.hue), 180.0 * signed_part(input.hue), rule.meaning});
@@ -341,7 +243,6 @@ class explainer {
             controls.push_back({"saturation", double(input.saturation), frame_.saturation, rule.meaning});
             break;
         case control::tone: add_tone(input, controls); break;
-        case control::none: break;
         }
     }
 
@@ -367,14 +268,17 @@ class explainer {
             why += ", mirrored by effects";
         if (block.starts_with("gamma_") && (effects & ISP_EFFECT_TWO_LEVEL) != 0)
             why += ", in two levels by effects";
-        if (block == "lens_shading" && !has_shading_sizes())
-            why = "refused: a size or a scaling term of frame or lsc is 0 or missing";
+        if (block == "lens_shading" && record_.record.lens_shading.payload.enable == 0)
+            why = fmt::format("refused: a size or a scaling term of frame or lsc is 0 or missing, or a table would "
+                              "have more than {} entries",
+                              AIC_LENS_SHADING_MAX_ENTRIES);
         if (block == "ctc" && (effects & ISP_EFFECT_VIVID) != 0)
             why += "effects: vivid";
     }
 
     const frame_inputs &inputs_;
     const frame_selection &selection_;
+    const record_snapshot &record_;
     const frame_origin &frame_;
     const isp_cmc *cmc_;
 };
@@ -387,15 +291,15 @@ std::string_view origin_name(origin source)
     return names[static_cast<size_t>(source)];
 }
 
-frame_origin explain_frame(const isp_session &session, const frame_inputs &inputs)
+frame_origin explain_frame(const isp_session &session, const frame_inputs &inputs, const record_snapshot &record)
 {
     const frame_selection selection(session, inputs);
     frame_origin frame = {
         session.tuning_name(),     session.context().set_count,       inputs.controls.tuning_mode, current_gain(inputs),
         saturation_factor(inputs), inputs.selection_list.has_value(), selection.rules(),           {}};
-    const explainer each(session, inputs, selection, frame);
+    const explainer each(session, inputs, selection, record, frame);
     for (const block_layout &block : record_blocks())
-        frame.blocks.push_back(each.explain(*std::ranges::find(block_rules, block.name, &block_rule::block)));
+        frame.blocks.push_back(each.explain(*std::ranges::find(block_sources(), block.name, &block_source::block)));
     return frame;
 }
 

@@ -59,7 +59,8 @@ struct frame_origin {
     std::vector<block_origin> blocks; // as in record_blocks()
 };
 
-// Selects again what the library selects and works out the rest from the inputs; nothing about the session changes.
-frame_origin explain_frame(const isp_session &session, const frame_inputs &inputs);
+// Selects again what the library selected for the frame that gave the record, and works out the rest from the inputs;
+// nothing about the session changes.
+frame_origin explain_frame(const isp_session &session, const frame_inputs &inputs, const record_snapshot &record);
 
 } // namespace qz::tool

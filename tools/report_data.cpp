@@ -70,7 +70,7 @@ json report_data(const scene &inputs, const byte_buffer &container, const std::s
         json plain_gamma = plain.gamma_of(frame);
         if (i < chosen.first)
             continue;
-        const frame_origin origin = explain_frame(session, frame);
+        const frame_origin origin = explain_frame(session, frame, snapshot);
         json &made = frames.emplace_back(frame_json({i, frame.name, snapshot, origin}));
         made.update({{"inputs", inputs_json(frame)},
                      {"plain_gamma", std::move(plain_gamma)},

@@ -25,7 +25,7 @@ std::vector<computed_frame> compute(const run_options &options, qz_mkn *makernot
         if (i >= first)
             frames.push_back({i, frame.name, snapshot, std::nullopt});
         if (i >= first && options.explain)
-            frames.back().origin = explain_frame(session, frame);
+            frames.back().origin = explain_frame(session, frame, snapshot);
     }
     return frames;
 }
