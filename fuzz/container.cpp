@@ -10,7 +10,7 @@ namespace {
 struct handover {
     uint8_t tag[4];
     uint8_t repaired;        // bit 0
-    uint8_t failing;         // 0: no allocation fails, 1: the first one does, and so on
+    uint8_t failing;         // modulo 64; 0: no allocation fails, 1: the first one does, and so on
     uint8_t failing_onwards; // bit 0: so do all later ones
     uint8_t grid_width;
     uint8_t grid_height;
@@ -28,10 +28,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
 
     const isp_blob blob = {container.data(), static_cast<uint32_t>(size)};
     const long before = faults::live_blocks();
-    faults::fail_allocation(how.failing != 0 ? how.failing - 1 : faults::never, (how.failing_onwards & 1) != 0);
+    const long failing = how.failing % 64 - 1L;
+    faults::fail_allocation(failing, (how.failing_onwards & 1) != 0);
     isp_context *context = qz_isp_2_7_init(&blob, how.grid_width, how.grid_height, nullptr, nullptr);
     faults::fail_allocation(faults::never);
-    fuzz::expect(context != nullptr || how.failing != 0 || (how.repaired & 1) == 0 || size < 24,
+    fuzz::expect(context != nullptr || failing != faults::never || (how.repaired & 1) == 0 || size < 24,
                  "a repaired container is accepted");
     qz_isp_2_7_deinit(context);
     fuzz::expect(faults::live_blocks() == before, "init and deinit free what they allocate");

@@ -158,7 +158,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
 
     qz_mkn *makernote = (setup.flags & fuzz::setup_makernote) != 0 ? qz_mkn_create() : nullptr;
     const long before = faults::live_blocks();
-    faults::fail_allocation(setup.failing != 0 ? setup.failing - 1 : faults::never);
+    faults::fail_allocation(setup.failing % 128 - 1L);
     isp_context *context = make_context(setup, {container.data(), static_cast<uint32_t>(container.size())}, makernote);
     if (context != nullptr) {
         for (const fuzz::frame_bytes &frame : used)

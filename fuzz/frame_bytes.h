@@ -12,7 +12,7 @@ namespace fuzz {
 struct setup_bytes {
     uint8_t frames;   // less one
     uint8_t flags;    // bits of setup_flag
-    uint16_t failing; // 0: no allocation fails, 1: the first one does, and so on
+    uint16_t failing; // modulo 128; 0: no allocation fails, 1: the first one does, and so on
     uint16_t sample_bytes;
     uint16_t entries; // of the characterisation
     isp_sensor_description sensor;

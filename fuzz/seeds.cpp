@@ -4,6 +4,7 @@
 #include <cstring>
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -48,13 +49,18 @@ void append(byte_buffer &bytes, const std::vector<float> &samples)
         append(bytes, sample);
 }
 
-// The sample tuning, and each of its records in a container of its own.
+// The sample tuning, each of its records in a container of its own, and set containers in one another.
 std::vector<json> tuning_sources()
 {
     const json whole = tool::parse_json("sample", tool::sample_tuning);
     std::vector<json> sources = {whole};
     for (const json &record : whole.at("records"))
         sources.push_back({{"records", json::array({record})}});
+    json nested = json::array({whole.at("records").at(0)});
+    for (int depth = 0; depth < 40; ++depth)
+        nested = json::array({{{"set_index", 1 + depth % 3}, {"tagged", depth % 2 == 0}, {"records", nested}},
+                              {{"id", 1}, {"bytes", "00"}}});
+    sources.push_back({{"records", nested}});
     return sources;
 }
 
@@ -89,23 +95,23 @@ byte_buffer samples_of(const tool::frame_inputs &inputs)
     return samples;
 }
 
-void write_frames(const corpus &to, const tool::scene &scene, const std::string &name, tool::byte_view container)
+// Some of the scene's frames, one after the other.
+byte_buffer frames_on(tool::byte_view container, const tool::scene &scene, std::span<const tool::frame_inputs> frames)
 {
+    const byte_buffer samples = samples_of(frames[0]);
     fuzz::setup_bytes setup = {};
     setup.flags = 0xff;
-    if (scene.cmc && scene.cmc->sensor_description)
-        setup.sensor = *scene.cmc->sensor_description;
+    setup.frames = static_cast<uint8_t>(frames.size() - 1);
+    setup.sample_bytes = static_cast<uint16_t>(samples.size());
     setup.entries = 2;
-    for (size_t i = 0; i < scene.frames.size(); ++i) {
-        const byte_buffer samples = samples_of(scene.frames[i]);
-        setup.sample_bytes = static_cast<uint16_t>(samples.size());
-        byte_buffer bytes;
-        append(bytes, setup);
-        append(bytes, frame_of(scene.frames[i]));
-        bytes.insert(bytes.end(), samples.begin(), samples.end());
-        bytes.insert(bytes.end(), container.begin(), container.end());
-        to.add(name + "-" + std::to_string(i), bytes);
-    }
+    setup.sensor = scene.cmc.value().sensor_description.value();
+    byte_buffer bytes;
+    append(bytes, setup);
+    for (const tool::frame_inputs &frame : frames)
+        append(bytes, frame_of(frame));
+    bytes.insert(bytes.end(), samples.begin(), samples.end());
+    bytes.insert(bytes.end(), container.begin(), container.end());
+    return bytes;
 }
 
 void write_scenes(const corpus &to)
@@ -169,7 +175,10 @@ void write_all(const std::filesystem::path &directory)
         corpus(directory, "container").add(name, container);
         corpus(directory, "tool_tuning").add(name, container);
         corpus(directory, "tool_tuning").add(name + ".json", source.dump());
-        write_frames(corpus(directory, "frame"), scene, name, container);
+        const size_t frame = number % scene.frames.size();
+        const corpus frames(directory, "frame");
+        frames.add(name, frames_on(container, scene, std::span(scene.frames).subspan(frame, 1)));
+        frames.add(name + "-all", frames_on(container, scene, std::span(scene.frames).first(fuzz::max_frames)));
     }
     write_scenes(corpus(directory, "tool_scene"));
 
