@@ -103,7 +103,7 @@ TEST(sweep_ranges, say_what_is_wrong_with_them)
     };
     for (const auto &[options, expected] : cases) {
         frame_inputs inputs = {};
-        const std::string error = error_of([&] { sweep_ranges(options, inputs); });
+        const std::string error = error_of([&, &given = options] { sweep_ranges(given, inputs); });
         EXPECT_TRUE(contains(error, expected)) << error << "\nlacks: " << expected;
     }
 }
@@ -125,7 +125,7 @@ TEST(sweep_columns, are_named_as_they_were_asked_for)
         {"block13.param0,edge_enhancement.*", "found block13.param0 and edge_enhancement.param[0], the same value"},
     };
     for (const auto &[items, expected] : wrong) {
-        const std::string error = error_of([&] { choose_columns(items); });
+        const std::string error = error_of([given = items] { choose_columns(given); });
         EXPECT_TRUE(contains(error, expected)) << error << "\nlacks: " << expected;
     }
 }
