@@ -225,8 +225,8 @@ TEST_F(program, report_holds_the_frame_s_curves_and_its_gamma_without_brightness
     EXPECT_EQ(frame.at("records"), (json{{{"slot", "xnr"}, {"curves", 0}, {"at_gain", {25}}}}));
     const json &curves = data.at("curves").at(0);
     EXPECT_EQ(curves.at("keys"), (json{256, 1024}));
-    EXPECT_EQ(curves.at("gains").front(), 128);
-    EXPECT_EQ(curves.at("gains").back(), 2048);
+    EXPECT_EQ(curves.at("gains").front(), 256);
+    EXPECT_EQ(curves.at("gains").back(), 1024);
     EXPECT_EQ(curves.at("columns").at(0).front(), 10);
     EXPECT_EQ(curves.at("columns").at(0).back(), 40);
     EXPECT_EQ(frame.at("plain_gamma").at(0).at(128), 2047);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <cstring>
 
 #include "qz_isp/gain.h"
@@ -44,23 +45,20 @@ class gain_table {
         return {words.begin(), words.end()};
     }
 
-    // Gains to sample at, rising: the keys and what lies between them, an octave more on either side.
-    std::vector<uint16_t> gains() const
+    // Gains to sample at: the keys and what lies between them.
+    std::set<uint16_t> gains() const
     {
-        std::vector<uint16_t> gains;
+        std::set<uint16_t> gains;
         const auto [low, high] = std::ranges::minmax(keys_);
-        const double first = std::clamp(static_cast<double>(low) / 2, 1.0, highest_gain);
-        const double last = std::clamp(static_cast<double>(high) * 2, first, highest_gain);
+        const double first = std::clamp(static_cast<double>(low), 1.0, highest_gain);
+        const double last = std::clamp(static_cast<double>(high), 1.0, highest_gain);
         for (int i = 0; i <= scale_samples; ++i)
-            gains.push_back(static_cast<uint16_t>(first * std::pow(last / first, double{1} * i / scale_samples)));
+            gains.insert(static_cast<uint16_t>(first * std::pow(last / first, double{1} * i / scale_samples)));
         const size_t step = keys_.size() / max_keys_sampled + 1;
         for (size_t row = 0; row < keys_.size(); row += step) {
             if (keys_[row] >= 1 && keys_[row] <= int64_t{UINT16_MAX})
-                gains.push_back(static_cast<uint16_t>(keys_[row]));
+                gains.insert(static_cast<uint16_t>(keys_[row]));
         }
-        std::ranges::sort(gains);
-        const auto repeated = std::ranges::unique(gains);
-        gains.erase(repeated.begin(), repeated.end());
         return gains;
     }
 
@@ -75,7 +73,7 @@ class gain_table {
 json curves_json(const selected_record &record)
 {
     const gain_table table(record);
-    const std::vector<uint16_t> gains = table.gains();
+    const std::set<uint16_t> gains = table.gains();
     std::vector<std::vector<int32_t>> columns;
     for (const uint16_t gain : gains) {
         const std::vector<int32_t> values = table.at(gain);

@@ -41,13 +41,23 @@ class plain_session {
     isp_session session_;
 };
 
+json effects_json(uint32_t effects)
+{
+    json names = json::array();
+    for (const std::string_view name : effect_names) {
+        if ((effects & 1u) != 0)
+            names.push_back(name);
+        effects >>= 1;
+    }
+    return names;
+}
+
 json inputs_json(frame_inputs frame)
 {
     json controls = json::object();
     const input_group &numbers = input_groups().front(); // the frame's own
     write_fields(controls, numbers.fields, numbers.record(frame));
-    controls["effects"] = frame.controls.effects;
-    json inputs = {{"controls", std::move(controls)}};
+    json inputs = {{"controls", std::move(controls)}, {"effects", effects_json(frame.controls.effects)}};
     if (frame.frame)
         inputs["size"] = {frame.frame->size.width, frame.frame->size.height};
     if (frame.colour)

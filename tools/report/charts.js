@@ -1,13 +1,13 @@
 // Charts in the page's colours that follow the width of their place.
 import { HeatmapChart, LineChart, LinesChart, ScatterChart } from 'echarts/charts';
-import { AriaComponent, GridComponent, MarkLineComponent, TooltipComponent, VisualMapComponent } from 'echarts/components';
+import { GridComponent, MarkLineComponent, TooltipComponent, VisualMapComponent } from 'echarts/components';
 import * as echarts from 'echarts/core';
 import { CanvasRenderer } from 'echarts/renderers';
 import { element } from './dom.js';
 
 echarts.use([
   HeatmapChart, LineChart, LinesChart, ScatterChart,
-  AriaComponent, GridComponent, MarkLineComponent, TooltipComponent, VisualMapComponent,
+  GridComponent, MarkLineComponent, TooltipComponent, VisualMapComponent,
   CanvasRenderer,
 ]);
 
@@ -25,8 +25,8 @@ export function axis(options) {
     nameLocation: 'middle',
     nameGap: 30,
     nameTextStyle: { color: colour('soft'), fontSize: 12 },
-    axisLabel: { color: colour('soft'), fontSize: 12, hideOverlap: true },
-    axisLine: { lineStyle: { color: colour('line') } },
+    axisLabel: { color: colour('soft'), fontSize: 12, hideOverlap: true, formatter: String },
+    axisLine: { onZero: false, lineStyle: { color: colour('line') } },
     axisTick: { lineStyle: { color: colour('line') } },
     splitLine: { lineStyle: { color: colour('line'), opacity: 0.6 } },
     ...options,
@@ -35,7 +35,6 @@ export function axis(options) {
 
 const basis = () => ({
   animation: false,
-  aria: { enabled: true },
   textStyle: { fontFamily: getComputedStyle(document.body).fontFamily },
   tooltip: {
     confine: true,

@@ -32,5 +32,9 @@ export function number_text(value, digits = 3) {
 
 // The gain scale has 256 as unity.
 export function gain_text(gain) {
-  return `\u00d7${number_text(gain / 256, 2)}`;
+  return `\u00d7${Number((gain / 256).toPrecision(3))}`;
+}
+
+export function count_text(count, word) {
+  return `${count} ${word}${count === 1 ? '' : 's'}`;
 }

@@ -35,7 +35,7 @@ function curve_options(tables, plain) {
     yAxis: axis({ min: 0, max: (extent) => Math.max(last_value, extent.max) }),
     series: [
       ...tables.map((values, channel) => line(`channel ${channel}`, values, channel)),
-      ...(plain ?? []).map((values, channel) => line(`channel ${channel}, plain`, values, channel, dashed)),
+      ...plain.map((values, channel) => line(`channel ${channel}, plain`, values, channel, dashed)),
     ],
   };
 }
@@ -68,10 +68,11 @@ export function gamma_section(frame) {
   const plain = frame.plain_gamma;
   const { brightness, contrast } = frame.inputs.controls;
   const changed = tables.some((table, channel) => table.some((value, entry) => value !== plain[channel][entry]));
-  const parts = [note(`Tables of ${tables[0].length} entries; brightness ${brightness}, contrast ${contrast}.`)];
+  const parts = [note(`Tables of ${tables[0].length} entries; brightness ${number_text(brightness)}, contrast ${number_text(contrast)}.`)];
   if (blocks.some(({ origin }) => origin.from === 'kept'))
     parts.push(note('This frame has no gamma curves: its tables are what an earlier frame left, or zero.'));
-  const figures = [figure('Gamma tables', chart('Gamma tables', 1.5, () => curve_options(tables, changed && plain)), legend(changed))];
+  const curves = chart('Gamma tables', changed ? 1.5 : 2.6, () => curve_options(tables, changed ? plain : []));
+  const figures = [figure('Gamma tables', curves, legend(changed))];
   if (changed) {
     const effect = chart('Change by brightness and contrast', 1.5, () => effect_options(tables, plain));
     figures.push(figure('What brightness and contrast add', effect, legend(false)));

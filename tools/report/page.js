@@ -1,7 +1,7 @@
 // The page: what the header says, which frame is shown, and its sections.
 import { blocks_section } from './blocks.js';
 import { draw_charts } from './charts.js';
-import { element, gain_text } from './dom.js';
+import { element, gain_text, number_text } from './dom.js';
 import { gamma_section } from './gamma.js';
 import { matrices } from './matrices.js';
 import { sectors_figure } from './sectors.js';
@@ -11,9 +11,10 @@ import { tuning_section } from './tuning.js';
 const record_size = 35288;
 const data = JSON.parse(document.getElementById('data').textContent);
 
+
 const sections = [
   ['gamma', 'Gamma', (frame) => gamma_section(frame)],
-  ['shading', 'Lens shading', (frame) => shading_section(frame)],
+  ['shading', 'Shading', (frame) => shading_section(frame)],
   ['colour', 'Colour', (frame) => [...matrices(frame), sectors_figure(frame)]],
   ['tuning', 'Tuning', (frame) => tuning_section(frame, data.curves)],
   ['blocks', 'Blocks', (frame) => blocks_section(frame)],
@@ -24,15 +25,24 @@ function frame_title(frame) {
 }
 
 function facts(frame) {
-  const { size, controls } = frame.inputs;
+  const { size } = frame.inputs;
   return [
     ['tuning', data.tuning],
     ['scene', data.scene],
     ['frame', `${frame.index}${size ? `, ${size.join(' \u00d7 ')}` : ''}`],
     ['gain', `${gain_text(frame.origin.gain)} (${frame.origin.gain})`],
     ['bytes in use', `${frame.bytes_used} of ${record_size}`],
-    ...Object.entries(controls).map(([name, value]) => [name, name === 'effects' ? `0x${value.toString(16)}` : String(value)]),
   ];
+}
+
+function controls({ inputs }) {
+  const numbers = Object.entries(inputs.controls).map(([name, value]) => [name, number_text(value)]);
+  return [...numbers, ['effects', inputs.effects.join(', ') || 'none']];
+}
+
+function list(pairs, kind) {
+  return element('dl', { class: kind },
+    pairs.map(([name, value]) => element('div', {}, element('dt', {}, name), element('dd', {}, value))));
 }
 
 function frame_switch(shown) {
@@ -47,7 +57,8 @@ function header(frame) {
     element('p', { class: 'kind' }, 'qz-isp report'),
     element('h1', {}, frame_title(frame)),
     ...(data.frames.length > 1 ? [frame_switch(frame)] : []),
-    element('dl', {}, facts(frame).map(([name, value]) => element('div', {}, element('dt', {}, name), element('dd', {}, value)))),
+    list(facts(frame), 'facts'),
+    list(controls(frame), 'controls'),
   ];
 }
 

@@ -2,7 +2,7 @@
 import { axis, chart } from './charts.js';
 import { element, note, number_text } from './dom.js';
 
-const scale = ['#14213d', '#1f4e79', '#2f8f8b', '#8cc26d', '#f5e27a'];
+const scale = ['#2c2f6b', '#2a5f93', '#2f8f8b', '#8cc26d', '#f5e27a'];
 
 function heat_map(rows, channel, unit, range) {
   const data = rows.flatMap((row, y) => row.map((entry, x) => [x, y, entry / unit]));
@@ -23,6 +23,7 @@ function heat_map(rows, channel, unit, range) {
 }
 
 function scale_bar([low, high]) {
+  if (low === high) return note(`Every gain is ${number_text(low)}.`);
   const bar = element('i', { style: `background: linear-gradient(90deg, ${scale.join(', ')})` });
   return element('p', { class: 'scale' }, `gain ${number_text(low)}`, bar, number_text(high));
 }
@@ -37,10 +38,11 @@ export function shading_section(frame) {
   let [low, high] = [Infinity, -Infinity];
   for (const entry of entries) [low, high] = [Math.min(low, entry / unit), Math.max(high, entry / unit)];
   const range = [low, high];
+  const ratio = Math.min(3, Math.max(0.6, columns / rows));
   const figures = tables.map((table, channel) =>
     element('figure', { class: 'card' },
       element('figcaption', {}, `Channel ${channel}`),
-      chart(`Lens shading gains of channel ${channel}`, columns / rows, () => heat_map(table, channel, unit, range))));
+      chart(`Lens shading gains of channel ${channel}`, ratio, () => heat_map(table, channel, unit, range))));
   return [
     note(`${columns} \u00d7 ${rows} gains a channel over a frame of ${scaled_width} \u00d7 ${scaled_height}, ${format} fractional bits.`),
     ...(enable ? [] : [note('Not enabled: the inputs could not be used, the tables are left from an earlier frame.')]),

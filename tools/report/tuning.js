@@ -1,13 +1,24 @@
 // The gain-indexed tuning records that the frame's values come from, as curves over the gain.
 import { axis, chart, colour, palette, redraw } from './charts.js';
-import { element, gain_text, note } from './dom.js';
+import { count_text, element, gain_text, note, number_text } from './dom.js';
 
 // Lines that one chart shows.
 const group = palette.length;
 
 function place_text({ id, set, set_index, version, keys, columns }) {
-  const rows = keys.length === 1 ? '1 row' : `${keys.length} rows`;
-  return `record ${id}, set ${set} of set index ${set_index}, version ${version}: ${rows} of ${columns.length} values`;
+  return `record ${id}, set ${set} of set index ${set_index}, version ${version}: ` +
+    `${count_text(keys.length, 'row')} of ${count_text(columns.length, 'value')}`;
+}
+
+// How the library came to the sets that it took records from.
+function selection_notes({ tuning_mode, set_order, rules, index_0_first }) {
+  const texts = rules.map(({ kind, area, op, threshold, set_index, matches }, i) =>
+    `Rule ${i} for set index ${set_index}, ${kind} area ${area ?? '(missing)'} ${op} ${threshold}: ${matches ? 'holds' : 'does not hold'}`);
+  return [
+    note(`tuning_mode ${tuning_mode} takes a set index\u2019s sets in the order ${set_order.join(', ')}` +
+      `${index_0_first ? '; set index 0 comes first' : ''}.`),
+    ...(texts.length ? [element('ul', { class: 'note' }, texts.map((text) => element('li', {}, text)))] : []),
+  ];
 }
 
 function largest(values) {
@@ -37,8 +48,9 @@ function curve_options(curves, chosen, gain, relative) {
   const { gains, keys, columns } = curves;
   const is_key = new Set(keys);
   const share = (column) => (relative ? 100 / (largest(columns[column]) || 1) : 1);
-  const first = Math.min(gains[0], Math.max(1, gain));
-  const last = Math.max(gains.at(-1), gain);
+  // Whole octaves with some room on either side.
+  const first = 2 ** Math.max(0, Math.floor(Math.log2(Math.min(gains[0], Math.max(1, gain)) / 1.2)));
+  const last = 2 ** Math.ceil(Math.log2(Math.max(gains.at(-1), gain) * 1.2));
   const points = (column) => {
     const values = gains.map((at, i) => [at, columns[column][i] * share(column), columns[column][i]]);
     // Outside the table the nearest row holds.
@@ -56,7 +68,7 @@ function curve_options(curves, chosen, gain, relative) {
     },
     xAxis: axis({ type: 'log', logBase: 2, name: 'gain', min: first, max: last,
                   axisLabel: { ...axis({}).axisLabel, formatter: gain_text }, splitLine: { show: false } }),
-    yAxis: axis({ axisLabel: { ...axis({}).axisLabel, ...(relative && { formatter: '{value} %' }) }, scale: false }),
+    yAxis: axis({ axisLabel: { ...axis({}).axisLabel, ...(relative && { formatter: '{value} %' }) }, scale: true }),
     series: chosen.map((column, i) => ({
       name: `value ${column}`,
       type: 'line',
@@ -82,7 +94,7 @@ function curve_options(curves, chosen, gain, relative) {
 
 function legend_items(chosen, at_gain) {
   return chosen.map((column, i) =>
-    element('li', {}, element('i', { style: `background: ${palette[i]}` }), `value ${column}: `, element('b', {}, String(at_gain[column]))));
+    element('li', {}, element('i', { style: `background: ${palette[i]}` }), `value ${column}: `, element('b', {}, number_text(at_gain[column]))));
 }
 
 function curve_card({ slot, at_gain }, curves, gain, relative) {
@@ -105,12 +117,15 @@ function curve_card({ slot, at_gain }, curves, gain, relative) {
 }
 
 export function tuning_section(frame, curves) {
-  if (!frame.records.length) return [note('No gain-indexed tuning record serves this frame; see the blocks for what they hold instead.')];
+  const selection = selection_notes(frame.origin);
+  if (!frame.records.length)
+    return [...selection, note('No gain-indexed tuning record serves this frame; see the blocks for what they hold instead.')];
   const { gain } = frame.origin;
   const box = element('input', { type: 'checkbox', checked: '' });
   const cards = frame.records.map((record) => curve_card(record, curves[record.curves], gain, () => box.checked));
   box.addEventListener('change', () => cards.forEach(({ place }) => redraw(place)));
   return [
+    ...selection,
     note(`The gain-indexed records that this frame\u2019s values come from: rows are dots, values between them are interpolated. The line marks the frame\u2019s gain, ${gain_text(gain)}; the numbers below a chart are the values there, before strengths.`),
     element('label', { class: 'choice' }, box, ' each value in per cent of its own maximum'),
     element('div', { class: 'pair' }, cards.map(({ card }) => card)),
