@@ -8,7 +8,7 @@ LIBRARY_ROOMS := frame tuning color noise_detail util platform
 TIDY_SOURCES = $(shell git ls-files $(addsuffix /*.cpp,$(LIBRARY_ROOMS)) 'tools/*.cpp' 'examples/*.c' 'examples/*.cpp')
 
 .PHONY: help run test $(addprefix test-,$(TEST_PRESETS)) test-tsan check check-format check-tidy check-cppcheck format bench \
-	fuzz determinism coverage docs package abi digests pictures report-bundle clean
+	fuzz determinism coverage docs package abi digests pictures report-bundle test-report clean
 
 help:
 	@echo 'make run       install what is missing, build, and print the record of a sample frame'
@@ -22,6 +22,7 @@ help:
 	@echo 'make docs      API pages from the headers, in build/docs/html'
 	@echo 'make package   Debian packages of the 64-bit and the 32-bit library, in build/packages'
 	@echo 'make report-bundle  the page of qz-isp report, where a build could not make it; takes node and npm'
+	@echo 'make test-report  the page of qz-isp report in headless Chromium'
 	@echo 'make digests   write down changed records of the sample scene, see CONTRIBUTING.md'
 	@echo 'make abi       write down a changed binary interface, see CONTRIBUTING.md'
 
@@ -122,7 +123,18 @@ digests:
 
 # The page of qz-isp report, for builds on a machine that had no Node.js or no network before.
 report-bundle:
+	scripts/install-deps.sh node
 	node tools/report/build.mjs --required build/report-bundle
+
+# The page in headless Chromium; screenshots are left in build/report-test.
+test-report: report-bundle
+	scripts/install-deps.sh report
+	cmake --preset native > /dev/null
+	cmake --build --preset native --target qz-isp --parallel $(JOBS)
+	mkdir -p build/report-test
+	cp tests/report/package.json tests/report/package-lock.json build/report-test
+	cd build/report-test && npm ci --ignore-scripts --no-audit --no-fund --loglevel=error && \
+		PROGRAM=../native/qz-isp node --test ../../tests/report/page_test.mjs
 
 # docs/record-layout.svg, from the record's list of blocks.
 pictures:

@@ -68,6 +68,7 @@ install(
   COMPONENT devel
   FILES_MATCHING
   PATTERN *.md
+  PATTERN *.png
   PATTERN *.svg)
 
 if(TARGET qz-isp)

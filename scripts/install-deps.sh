@@ -1,7 +1,7 @@
 #!/bin/bash
 # Installs the Debian packages of one or more groups, and only those that are missing.
 #
-#   scripts/install-deps.sh GROUP...     groups: run test check bench fuzz determinism coverage docs package
+#   scripts/install-deps.sh GROUP...     groups: run test check bench fuzz determinism coverage docs package node report
 set -euo pipefail
 
 run="g++ make cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev"
@@ -13,8 +13,11 @@ fuzz="$run clang libclang-rt-14-dev llvm"
 determinism="$test clang"
 coverage="$test gcovr"
 docs="doxygen make"
+node=""
+type -P node npm > /dev/null || node="nodejs npm" # they may also come from elsewhere
+report="$run $node chromium"
 package="$test dpkg-dev"
-all_groups="run test check bench fuzz determinism coverage docs package"
+all_groups="run test check bench fuzz determinism coverage docs package node report"
 
 missing=()
 for group in "$@"; do

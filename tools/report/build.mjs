@@ -3,8 +3,8 @@
 //   node build.mjs [--required] DIRECTORY
 //
 // Writes report_page.cpp and licences.txt into the directory, and installs the packages that it takes there, unless all
-// of that is done. Where the packages cannot be installed the source file holds no page, so that the rest builds;
-// --required makes that an error.
+// of that is done. Where that fails, as it does without a network, the source file holds no page, so that the rest
+// builds; --required makes it an error.
 import { execFileSync } from 'node:child_process';
 import { createHash } from 'node:crypto';
 import { copyFileSync, existsSync, mkdirSync, readFileSync, readdirSync, renameSync, writeFileSync } from 'node:fs';
@@ -19,87 +19,95 @@ const packages = join(directory, 'node_modules');
 const output = join(directory, 'report_page.cpp');
 
 function hash_of(files) {
-  const hash = createHash('sha256');
-  for (const file of files) hash.update(file).update(readFileSync(join(sources, file)));
-  return hash.digest('hex');
+    const hash = createHash('sha256');
+    for (const file of files) hash.update(file).update(readFileSync(join(sources, file)));
+    return hash.digest('hex');
 }
 
 // Whether the directory holds what was made from the same files.
 function is_made(stamp, key) {
-  const file = join(directory, stamp);
-  return existsSync(file) && readFileSync(file, 'utf8') === key;
+    const file = join(directory, stamp);
+    return existsSync(file) && readFileSync(file, 'utf8') === key;
 }
 
 function install_packages() {
-  const key = hash_of(['package-lock.json']);
-  if (is_made('packages.key', key)) return;
-  for (const file of ['package.json', 'package-lock.json']) copyFileSync(join(sources, file), join(directory, file));
-  const options = ['--ignore-scripts', '--no-audit', '--no-fund', '--loglevel=error', '--fetch-retries=1'];
-  execFileSync('npm', ['ci', ...options], { cwd: directory, stdio: ['ignore', 'ignore', 'inherit'] });
-  writeFileSync(join(directory, 'packages.key'), key);
+    const key = hash_of(['package-lock.json']);
+    if (is_made('packages.key', key)) return;
+    for (const file of ['package.json', 'package-lock.json']) copyFileSync(join(sources, file), join(directory, file));
+    const options = [
+        '--ignore-scripts',
+        '--no-audit',
+        '--no-fund',
+        '--loglevel=error',
+        '--fetch-retries=1',
+        '--fetch-timeout=60000',
+    ];
+    execFileSync('npm', ['ci', ...options], { cwd: directory, stdio: ['ignore', 'ignore', 'inherit'] });
+    writeFileSync(join(directory, 'packages.key'), key);
 }
 
 function bundle() {
-  const esbuild = createRequire(join(directory, 'package.json'))('esbuild');
-  const { outputFiles } = esbuild.buildSync({
-    entryPoints: [join(sources, 'page.js'), join(sources, 'report.css')],
-    bundle: true,
-    minify: true,
-    write: false,
-    outdir: directory,
-    format: 'iife',
-    target: 'es2020',
-    charset: 'ascii',
-    legalComments: 'none', // the licences are in the page in full
-    nodePaths: [packages],
-    define: { 'process.env.NODE_ENV': '"production"' },
-  });
-  const text_of = (ending) => outputFiles.find((file) => file.path.endsWith(ending)).text;
-  return { script: text_of('.js'), style: text_of('.css') };
+    const esbuild = createRequire(join(directory, 'package.json'))('esbuild');
+    const { outputFiles } = esbuild.buildSync({
+        entryPoints: [join(sources, 'page.js'), join(sources, 'report.css')],
+        bundle: true,
+        minify: true,
+        write: false,
+        outdir: directory,
+        format: 'iife',
+        target: 'es2020',
+        charset: 'ascii',
+        legalComments: 'none', // the licences are in the page in full
+        nodePaths: [packages],
+        define: { 'process.env.NODE_ENV': '"production"' },
+    });
+    const text_of = (ending) => outputFiles.find((file) => file.path.endsWith(ending)).text;
+    return { script: text_of('.js'), style: text_of('.css') };
 }
 
 function licences() {
-  const texts = [
-    ['Apache ECharts', 'echarts/NOTICE', 'echarts/LICENSE', 'echarts/licenses/LICENSE-d3'],
-    ['ZRender', 'zrender/LICENSE'],
-    ['tslib', 'tslib/LICENSE.txt'],
-  ];
-  return texts
-    .map(([name, ...files]) => [name, ...files.map((file) => readFileSync(join(packages, file), 'utf8').trim())])
-    .map((parts) => parts.join('\n\n'))
-    .join('\n\n' + '-'.repeat(72) + '\n\n');
+    const texts = [
+        ['Apache ECharts', 'echarts/NOTICE', 'echarts/LICENSE', 'echarts/licenses/LICENSE-d3'],
+        ['ZRender', 'zrender/LICENSE'],
+        ['tslib', 'tslib/LICENSE.txt'],
+    ];
+    return texts
+        .map(([name, ...files]) => [name, ...files.map((file) => readFileSync(join(packages, file), 'utf8').trim())])
+        .map((parts) => parts.join('\n\n'))
+        .join('\n\n' + '-'.repeat(72) + '\n\n');
 }
 
 function page() {
-  const { script, style } = bundle();
-  const text = licences();
-  writeFileSync(join(directory, 'licences.txt'), text + '\n');
-  const parts = { script, style, licences: text.replaceAll('&', '&amp;').replaceAll('<', '&lt;') };
-  return readFileSync(join(sources, 'template.html'), 'utf8').replace(
-    /<!-- (script|style|licences) -->/g,
-    (_, name) => parts[name],
-  );
+    const { script, style } = bundle();
+    const text = licences();
+    writeFileSync(join(directory, 'licences.txt'), text + '\n');
+    const parts = { script, style, licences: text.replaceAll('&', '&amp;').replaceAll('<', '&lt;') };
+    return readFileSync(join(sources, 'template.html'), 'utf8').replace(
+        /<!-- (script|style|licences) -->/g,
+        (_, name) => parts[name],
+    );
 }
 
 function write_source(text) {
-  const parts = text.split('<!-- data -->');
-  if (parts.length !== 2 || text.includes(')qz"')) throw new Error('the page cannot be cut or quoted');
-  const [before, after] = parts.map((part) => `R"qz(${part})qz"`);
-  const source = `#include "report_page.h"\n\nconst qz::tool::report_page qz::tool::built_in_page = {${before}, ${after}};\n`;
-  writeFileSync(output + '.new', source);
-  renameSync(output + '.new', output);
+    const parts = text.split('<!-- data -->');
+    if (parts.length !== 2 || text.includes(')qz"')) throw new Error('the page cannot be cut or quoted');
+    const [before, after] = parts.map((part) => `R"qz(${part})qz"`);
+    const source = `#include "report_page.h"\n\nconst qz::tool::report_page qz::tool::built_in_page = {${before}, ${after}};\n`;
+    writeFileSync(output + '.new', source);
+    renameSync(output + '.new', output);
 }
 
-const key = hash_of(readdirSync(sources).sort());
+const files = readdirSync(sources, { withFileTypes: true }).filter((entry) => entry.isFile());
+const key = hash_of(files.map(({ name }) => name).sort());
 if (existsSync(output) && is_made('page.key', key)) process.exit(0);
 mkdirSync(directory, { recursive: true });
 try {
-  install_packages();
+    install_packages();
+    write_source(page());
+    writeFileSync(join(directory, 'page.key'), key);
 } catch (error) {
-  if (required) throw error;
-  console.log('No report page: its packages could not be installed; everything else builds. Later: make report-bundle');
-  copyFileSync(join(sources, '../report_no_page.cpp'), output);
-  process.exit(0);
+    console.error(`The page of qz-isp report could not be bundled: ${error.message}`);
+    if (required) process.exit(1);
+    console.error('Everything else builds. Later: make report-bundle');
+    copyFileSync(join(sources, '../report_no_page.cpp'), output);
 }
-write_source(page());
-writeFileSync(join(directory, 'page.key'), key);
