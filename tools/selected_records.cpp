@@ -47,7 +47,7 @@ const isp_record *record_in(const isp_tuning_set &set, std::string_view slot)
 {
     const auto *const place = std::ranges::find(slots, slot, &slot_place::name);
     const isp_record *record = nullptr;
-    std::memcpy(&record, reinterpret_cast<const uint8_t *>(&set) + place->offset, sizeof record);
+    std::memcpy(&record, reinterpret_cast<const uint8_t *>(&set) + place->offset, sizeof(void *));
     return record;
 }
 
