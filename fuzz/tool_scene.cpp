@@ -21,8 +21,8 @@ void run_frames(const tool::scene &scene)
         return;
     tool::isp_session session(tuning, "sample", scene);
     for (const tool::frame_inputs &frame : scene.frames) {
-        session.run(frame);
-        tool::explain_frame(session, frame);
+        const tool::record_snapshot record = session.run(frame);
+        tool::explain_frame(session, frame, record);
     }
 }
 

@@ -21,8 +21,8 @@ void explain(tool::byte_view bytes)
     inputs.controls.tuning_mode = bytes[4] % 4u; // not read by the library
     inputs.controls.nr_mode = 2;
     inputs.controls.edge_mode = 1;
-    const tool::isp_session session({bytes.begin(), bytes.end()}, "input", {});
-    const tool::frame_origin origin = tool::explain_frame(session, inputs);
+    tool::isp_session session({bytes.begin(), bytes.end()}, "input", {});
+    const tool::frame_origin origin = tool::explain_frame(session, inputs, session.run(inputs));
     for (const tool::block_origin &block : origin.blocks)
         fuzz::expect(!block.rows || std::max(block.rows->lower, block.rows->upper) < block.rows->count,
                      "rows around the gain are rows of the record");
