@@ -18,7 +18,7 @@ help:
 	@echo 'make bench     build and run the benchmarks'
 	@echo 'make fuzz      run the fuzz targets for FUZZ_SECONDS (60) each'
 	@echo 'make determinism  the same results from gcc and clang, unoptimised and optimised'
-	@echo 'make coverage  line coverage of the tests'
+	@echo 'make coverage  line and branch coverage of the library'
 	@echo 'make docs      API pages from the headers, in build/docs/html'
 	@echo 'make package   Debian packages of the 64-bit and the 32-bit library, in build/packages'
 	@echo 'make report-bundle  the page of qz-isp report, where a build could not make it; takes node and npm'
@@ -93,7 +93,7 @@ coverage:
 	cmake --preset coverage
 	cmake --build --preset coverage --parallel $(JOBS)
 	ctest --preset coverage --parallel $(JOBS) --no-tests=error
-	gcovr --root . --object-directory build/coverage --exclude tests --exclude build --print-summary
+	gcovr --root . --object-directory build/coverage --txt --branches
 
 docs:
 	scripts/install-deps.sh docs

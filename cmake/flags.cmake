@@ -40,3 +40,10 @@ target_link_options(qz_isp_library_flags INTERFACE -Wl,--as-needed)
 if(NOT QZ_ISP_SANITIZED)
   target_link_options(qz_isp_library_flags INTERFACE -Wl,--no-undefined,-z,text)
 endif()
+
+# What ships, not what surrounds it, counts its lines and branches.
+if(QZ_ISP_COVERAGE)
+  target_compile_options(qz_isp_library_flags INTERFACE --coverage -fprofile-abs-path)
+  target_compile_definitions(qz_isp_library_flags INTERFACE QZ_COVERAGE)
+  add_link_options(--coverage)
+endif()

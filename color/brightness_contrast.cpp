@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 
 #include "qz_isp/color.h"
-#include "util/float_to_int.h"
 #include "util/multiversion.h"
 
 namespace {
@@ -55,9 +55,10 @@ struct tone_curves {
     }
 };
 
+// For values of the curves, which lie from 0 to the table's largest entry, give or take a rounding.
 uint16_t rounded(float value)
 {
-    return static_cast<uint16_t>(qz::truncate_to_i32(static_cast<double>(value) + 0.5));
+    return static_cast<uint16_t>(static_cast<int32_t>(static_cast<double>(value) + 0.5));
 }
 
 // Tables are worked on a stretch at a time: what lies around the powers vectorises by itself.

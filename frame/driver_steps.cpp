@@ -51,7 +51,7 @@ uint32_t to_9_fractional_bits(uint32_t gain, uint32_t shift)
     constexpr uint32_t same = 7;
     if (shift <= same)
         return gain >> (same - shift);
-    return shift - same < 32 ? gain << (shift - same) : 0;
+    return gain << (shift - same); // a gain's integer part has 32 bits at most
 }
 
 // Curve points scaled by a Q9 factor, limited to 13 bits.

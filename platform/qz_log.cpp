@@ -1,5 +1,7 @@
 #include "qz_log.h"
 
+#include <algorithm>
+
 #include <stdarg.h>
 #include <stdio.h>
 
@@ -27,10 +29,7 @@ void qz_log(int level, const char *format, ...)
     const int text = vsnprintf(line + length, sizeof line - static_cast<size_t>(length) - 1, format, arguments);
     va_end(arguments);
 
-    if (text > 0)
-        length += text;
-    if (length > static_cast<int>(sizeof line) - 2)
-        length = static_cast<int>(sizeof line) - 2;
+    length = std::min(length + std::max(text, 0), static_cast<int>(sizeof line) - 2);
     line[length++] = '\n';
     fwrite(line, 1, static_cast<size_t>(length), stderr);
 }

@@ -61,8 +61,8 @@ uint8_t *append(uint8_t *to, const void *from, size_t size)
 
 struct qz_mkn {
     qz_mkn_record **records;
+    size_t capacity;
     uint32_t count;
-    uint32_t capacity;
     uint32_t dropped;
 
     // Makes room for one more record; false when memory runs out.
@@ -70,15 +70,14 @@ struct qz_mkn {
     {
         if (count < capacity)
             return true;
-        constexpr uint32_t first_capacity = 64;
-        const uint64_t grown = capacity > 0 ? uint64_t{capacity} * 2 : first_capacity;
-        if (grown > UINT32_MAX || grown > SIZE_MAX / sizeof *records)
-            return false;
-        void *block = realloc(records, static_cast<size_t>(grown) * sizeof *records);
+        constexpr size_t first_capacity = 64;
+        // Cannot wrap: a record takes far more of the memory than its place here.
+        const size_t grown = capacity > 0 ? capacity * 2 : first_capacity;
+        void *block = realloc(records, grown * sizeof *records);
         if (block == nullptr)
             return false;
         records = static_cast<qz_mkn_record **>(block);
-        capacity = static_cast<uint32_t>(grown);
+        capacity = grown;
         return true;
     }
 };

@@ -3,6 +3,7 @@
 extern "C" {
 void *__real_malloc(size_t size);
 void *__real_calloc(size_t count, size_t size);
+void *__real_realloc(void *block, size_t size);
 void __real_free(void *block);
 }
 
@@ -39,6 +40,14 @@ void *__wrap_malloc(size_t size)
 void *__wrap_calloc(size_t count, size_t size)
 {
     return fails_now() ? nullptr : counted(__real_calloc(count, size));
+}
+
+void *__wrap_realloc(void *block, size_t size)
+{
+    if (fails_now())
+        return nullptr;
+    live -= block != nullptr;
+    return counted(__real_realloc(block, size));
 }
 
 void __wrap_free(void *block)

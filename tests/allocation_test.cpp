@@ -12,6 +12,7 @@
 #include "qz_isp/context.h"
 #include "qz_isp/matrix.h"
 #include "qz_isp/polynomial.h"
+#include "qz_mkn.h"
 
 namespace {
 
@@ -70,6 +71,9 @@ const struct {
     {"matrix",
      {{4, 0}, {0, 2}},
      [](outputs &out) { return lu_decomposition_m(ones.data(), 12, 4, out.index.data(), out.to[0], 12, 4, 3); }},
+    {"matrix of shared elements",
+     {{4, 0}, {0, 2}},
+     [](outputs &out) { return lu_decomposition_m(ones.data(), 4, 4, out.index.data(), out.to[0], 12, 4, 3); }},
     {"empty matrix",
      {{0, 0}},
      [](outputs &out) { return lu_decomposition_m(ones.data(), 12, 4, out.index.data(), out.to[0], 12, 4, 0); }},
@@ -82,6 +86,12 @@ const struct {
      {{2, 0}, {2, 0}, {2, 0}, {2, 1}, {2, 2}, {2, 3}, {0, 4}},
      [](outputs &out) {
          return lsc_polynomial_upscale_float(ones.data(), ones.data(), nullptr, plane, out.to, 1, 1, 2, 2, 15);
+     }},
+    {"polynomial upscale, output read again",
+     {{2, 0}, {2, 0}, {2, 0}, {2, 1}, {2, 2}, {2, 3}, {0, 4}},
+     [](outputs &out) {
+         const float *from[4] = {plane[0], out.to[0], plane[2], plane[3]};
+         return lsc_polynomial_upscale_float(ones.data(), ones.data(), nullptr, from, out.to, 1, 1, 2, 2, 15);
      }},
 };
 
@@ -103,6 +113,27 @@ TEST(allocation_faults, of_each_routine_are_reported_and_leak_nothing)
     if constexpr (sizeof(size_t) == 4) { // 32768^2 floats are 2^32 bytes
         EXPECT_EQ(bicubic_resize_32f_to_u16p10(nullptr, 32765, 32765, nullptr, 2, 2), 4u);
     }
+}
+
+TEST(allocation_faults, of_a_makernote_drop_the_record)
+{
+    faults::fail_allocation(0);
+    EXPECT_EQ(qz_mkn_create(), nullptr);
+    qz_mkn *mkn = qz_mkn_create();
+    const auto added = [mkn] { return qz_mkn_add_record(mkn, QZ_MKN_TEXT, 1, "text", 4, "key"); };
+    for (const long failing : {0, 1}) { // the list, the record
+        faults::fail_allocation(failing);
+        EXPECT_FALSE(added());
+    }
+    for (int i = 0; i < 64; ++i)
+        EXPECT_TRUE(added());
+    faults::fail_allocation(0); // the list has to grow
+    EXPECT_FALSE(added());
+    EXPECT_TRUE(added());
+    EXPECT_EQ(qz_mkn_record_count(mkn), 65u);
+    EXPECT_EQ(qz_mkn_dropped_count(mkn), 3u);
+    qz_mkn_destroy(mkn);
+    EXPECT_EQ(faults::live_blocks(), 0);
 }
 
 // A camera's container and characterisation.

@@ -48,7 +48,10 @@ TEST(set_yuv_to_rgb, takes_as_many_fraction_bits_as_fit)
         uint32_t frac_bits = 99;
         coefficients out = {};
         set_yuv_to_rgb(c.m.data(), nullptr, &frac_bits);
+        set_yuv_to_rgb(nullptr, out.data(), &frac_bits);
+        set_yuv_to_rgb(c.m.data(), out.data(), nullptr);
         EXPECT_EQ(frac_bits, 99u);
+        EXPECT_EQ(out, coefficients{});
         set_yuv_to_rgb(c.m.data(), out.data(), &frac_bits);
         EXPECT_EQ(frac_bits, c.frac_bits) << c.m[0];
         EXPECT_EQ(out, c.expected) << c.m[0];
@@ -94,6 +97,9 @@ TEST(hue, turns_sectors_and_matrices)
     apply_manual_hue_to_ccms(m.data(), 1, 1, -100);
     apply_manual_hue_to_ccms(m.data(), 1, 0, 64);
     EXPECT_NEAR(m[0], 0.7633f, 1e-4f); // 0.299 + 0.587 (cos + sin) + 0.114 (cos - sin)
+    matrix back = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+    apply_manual_hue_to_ccms(back.data(), 1, 0, -64);
+    EXPECT_NEAR(back[0], -0.174f, 1e-4f);
     for (size_t row = 0; row < m.size(); row += 3)
         EXPECT_NEAR(m[row] + m[row + 1] + m[row + 2], 1.0f, 1e-6f);
 }
@@ -178,6 +184,10 @@ TEST(macc, combines_base_effects_and_hue)
             EXPECT_NEAR(coeffs[4 * c.sector_number + i], c.expected[i], c.hue != 0 ? 1 : 0) << c.what << " m" << i;
         EXPECT_EQ(shift, c.shift.value_or(99)) << c.what;
     }
+    const isp_table_slot empty = {};
+    std::vector<int16_t> coeffs(64, 99);
+    compute_macc(&empty, 1, 0, 0, 0, coeffs.data(), nullptr);
+    EXPECT_EQ(coeffs[63], 8192);
 }
 
 } // namespace

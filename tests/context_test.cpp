@@ -118,6 +118,11 @@ TEST(characterisation, missing_parts_stay_null)
     EXPECT_EQ(copy.entry_table, nullptr);
     cmc_deinit(&copy);
     EXPECT_EQ(copy.entry_table_header, nullptr);
+    header.entry_count = 0;
+    const isp_cmc empty_table = {nullptr, nullptr, nullptr, &header, nullptr};
+    copy_cmc(&copy, &empty_table);
+    EXPECT_NE(copy.entry_table_header, nullptr);
+    cmc_deinit(&copy);
     copy_cmc(&copy, nullptr);
     EXPECT_EQ(copy.entry_table_header, nullptr);
 }
@@ -217,8 +222,13 @@ TEST(statistics, what_cannot_be_converted_writes_nothing)
     EXPECT_EQ(qz_isp_2_7_statistics_convert(nullptr, &good, &rgbs, &af), ISP_INVALID_DATA);
     isp_context bare = {};
     EXPECT_EQ(qz_isp_2_7_statistics_convert(&bare, &good, &rgbs, &af), ISP_INVALID_DATA);
+    bare.rgbs_grid = context->rgbs_grid;
+    EXPECT_EQ(qz_isp_2_7_statistics_convert(&bare, &good, &rgbs, &af), ISP_INVALID_DATA);
     EXPECT_EQ(qz_isp_2_7_statistics_convert(context.get(), &good, &rgbs, &af), ISP_SUCCESS);
     EXPECT_EQ(rgbs->width, 1);
+    const isp_stats empty = stats_of(0, 4, 2, 10, nullptr);
+    EXPECT_EQ(qz_isp_2_7_statistics_convert(context.get(), &empty, &rgbs, &af), ISP_SUCCESS);
+    EXPECT_EQ(af->height, 4);
 }
 
 } // namespace

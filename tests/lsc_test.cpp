@@ -92,6 +92,8 @@ TEST(lsc, rejects_invalid_input_and_writes_nothing_but_the_flag)
         [](scene &s) { s.input.grid[3] = nullptr; },
         [](scene &s) { s.frame.size.width = 0; },
         [](scene &s) { s.frame.horizontal_denominator = 0; },
+        [](scene &s) { s.frame.size.height = 0; },
+        [](scene &s) { s.frame.horizontal_numerator = 0; },
         [](scene &s) { s.frame.vertical_numerator = 0; },
         [](scene &s) { s.frame.vertical_denominator = 0; },
         [](scene &s) { s.frame.size.height = 32768, s.frame.vertical_numerator = 2; }, // scaled to 65536

@@ -2,6 +2,7 @@
 #include <bit>
 #include <cmath>
 #include <numeric>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -78,6 +79,9 @@ TEST(transpose_m, writes_nothing_without_rows_or_columns_and_in_order_where_targ
     EXPECT_EQ(target, floats(3, 7.0f));
     transpose_m(source.data(), 12, 4, 3, 2, target.data(), 4, 0);
     EXPECT_EQ(target, (floats{4, 5, 6}));
+    floats in_place = {1, 2, 3, 4};
+    transpose_m(in_place.data(), 8, 4, 2, 2, in_place.data(), 8, 4);
+    EXPECT_EQ(in_place, (floats{1, 2, 2, 4}));
 }
 
 TEST(mul_mm, sizes_that_do_not_match_empty_ones_and_shared_rows)
@@ -98,6 +102,13 @@ TEST(mul_mm, sizes_that_do_not_match_empty_ones_and_shared_rows)
                          t.c_row_stride, 4),
                   t.status);
         EXPECT_EQ(c, t.c) << t.a_columns << ' ' << t.a_rows << ' ' << t.b_columns << ' ' << t.c_row_stride;
+    }
+    constexpr std::pair<size_t, std::array<float, 4>> places[] = {
+        {0, {19, 22, 43, 50}}, {4, {19, 130, 43, 290}}, {8, {19, 22, 85, 98}}}; // before A, over A, over B
+    for (const auto &[at, product] : places) {
+        std::array<float, 12> memory = {7, 7, 7, 7, 1, 2, 3, 4, 5, 6, 7, 8};
+        mul_mm(memory.data() + 4, 8, 4, 2, 2, memory.data() + 8, 8, 4, 2, 2, memory.data() + at, 8, 4);
+        EXPECT_TRUE(std::equal(product.begin(), product.end(), memory.begin() + at)) << at;
     }
     const float negative_zero = -0.0f;
     float sum = -1.0f;
@@ -129,15 +140,18 @@ TEST(mul_mm, every_shape_and_layout_gives_the_bits_of_outer_products)
 TEST(lu_decomposition_m, factors_worked_by_hand)
 {
     constexpr struct {
-        int32_t row_stride, column_stride;
+        int32_t row_stride, column_stride, out_row_stride;
         std::array<float, 4> factors;
-    } cases[] = {{8, 4, {4, 3, 1.5, -1.5}},
-                 {4, 8, {4, 6, 0.75, -1.5}},  // of the transpose
-                 {4, 4, {4, 3, 0.75, 3.75}}}; // of 4 3, 3 6
+    } cases[] = {{8, 4, 8, {4, 3, 1.5, -1.5}},
+                 {4, 8, 8, {4, 6, 0.75, -1.5}}, // of the transpose
+                 {4, 4, 8, {4, 3, 0.75, 3.75}}, // of 4 3, 3 6
+                 {8, 4, 0, {1.5, -1.5, 6, 3}}}; // rows of factors that share their place
     for (const auto &c : cases) {
         std::array<float, 4> a = {4, 3, 6, 3};
         std::array<uint32_t, 2> index = {7, 7};
-        EXPECT_EQ(lu_decomposition_m(a.data(), c.row_stride, c.column_stride, index.data(), a.data(), 8, 4, 2), 0u);
+        EXPECT_EQ(
+            lu_decomposition_m(a.data(), c.row_stride, c.column_stride, index.data(), a.data(), c.out_row_stride, 4, 2),
+            0u);
         EXPECT_EQ(a, c.factors); // in place
     }
 }
@@ -169,14 +183,16 @@ TEST(lu_decomposition_m, every_size_and_layout_gives_the_bits_of_element_by_elem
 TEST(lu_decomposition_m, sizes_and_strides_that_cannot_be_worked_on)
 {
     constexpr struct {
-        int32_t row_stride, size;
+        int32_t row_stride, column_stride, size;
         uint32_t status;
-    } cases[] = {{0, 0, 0}, {4, -2, 0}, {131072, 32768, 4}, {12, 2, 32}, {-8, 2, 32}}; // 12: would leave the work copy
+    } cases[] = {{0, 4, 0, 0},   {4, 4, -2, 0},  {131072, 4, 32768, 4},
+                 {12, 4, 2, 32}, {-8, 4, 2, 32}, {8, -4, 2, 32}}; // 12: would leave the work copy
     const float a = 1.0f;
     for (const auto &c : cases) {
         uint32_t index = 77;
         float out = 7.0f;
-        EXPECT_EQ(lu_decomposition_m(&a, c.row_stride, 4, &index, &out, 8, 4, c.size), c.status) << c.row_stride;
+        EXPECT_EQ(lu_decomposition_m(&a, c.row_stride, c.column_stride, &index, &out, 8, 4, c.size), c.status)
+            << c.row_stride;
         EXPECT_EQ(out, 7.0f);
         EXPECT_EQ(index, 77u);
     }

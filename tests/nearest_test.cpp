@@ -119,8 +119,9 @@ TEST(picking, takes_rows_and_columns_at_every_ratio)
 TEST(block_maximum, tiles_the_source)
 {
     std::mt19937 random(5);
-    for (const size &from : {size{2, 2}, {7, 5}, {64, 48}, {300, 9}, {4100, 3}, {9001, 4}, {65535, 2}})
-        for (const size &to : {size{2, 2}, {3, 2}, {5, 7}, {41, 31}, {64, 48}, {299, 3}, {2900, 2}, {5003, 2}}) {
+    for (const size &from : {size{2, 2}, {7, 5}, {64, 48}, {300, 9}, {4100, 3}, {9001, 4}, {32769, 2}, {65535, 2}})
+        for (const size &to :
+             {size{2, 2}, {3, 2}, {5, 7}, {41, 31}, {64, 48}, {299, 3}, {2900, 2}, {5003, 2}, {16380, 2}}) {
             const guarded<int32_t> src(static_cast<size_t>(from.width * from.height));
             std::generate(src.begin(), src.end(), [&] { return static_cast<int32_t>(random()); });
             // Each source element raises the one output whose block holds it.

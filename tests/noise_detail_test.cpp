@@ -104,6 +104,7 @@ TEST(gain_rows, missing_leave_every_field)
     for (const isp_table_slot &slot : {no_rows.slot, {nullptr, nullptr}, {one_row.slot.record, nullptr}}) {
         for (const auto &[compute, columns] : blocks)
             EXPECT_EQ(compute(256, slot, 50), values(static_cast<size_t>(columns), kept));
+        EXPECT_EQ(chroma_bytes(256, slot, 50), values(8, kept));
         EXPECT_EQ(fringe(256, slot, 1, nullptr, 50), values(13, kept));
     }
 }

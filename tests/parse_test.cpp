@@ -5,6 +5,7 @@
 #include "container_builder.h"
 #include "qz_isp/context.h"
 #include "qz_isp/error.h"
+#include "qz_mkn.h"
 
 namespace {
 
@@ -70,6 +71,12 @@ TEST(parse, files_every_kind_in_its_slot_and_set)
 
 TEST(parse, refuses_or_drops_what_has_no_slot)
 {
+    container empty({});
+    EXPECT_EQ(isp_parse(empty.blob(), nullptr), ISP_INVALID_ARGUMENT);
+    EXPECT_EQ(parsed(nullptr).status, ISP_INVALID_ARGUMENT);
+    const bytes other = test::header("VUXC");
+    const isp_blob blob = {other.data(), QZ_MKN_HEADER_SIZE};
+    EXPECT_EQ(parsed(&blob).status, ISP_INVALID_ARGUMENT);
     for (const uint16_t offset : std::initializer_list<uint16_t>{0, 19, 21, 63}) {
         container one({test::record(static_cast<uint16_t>(320 + offset), bytes(8))});
         const parsed result(one.blob());

@@ -1,9 +1,12 @@
 #include <array>
 #include <cstring>
+#include <iterator>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "qz_log.h"
 #include "qz_mkn.h"
 
 namespace {
@@ -27,8 +30,28 @@ TEST(makernote, keeps_records_in_order_with_their_own_copy_of_bytes_and_key)
     ASSERT_TRUE(qz_mkn_get_record(mkn, 1, &record));
     EXPECT_EQ(std::string(static_cast<const char *>(record.data), record.size), "version");
     EXPECT_STREQ(record.key, "key");
-    EXPECT_FALSE(qz_mkn_get_record(mkn, 2, &record));
+    EXPECT_TRUE(qz_mkn_add_record(mkn, QZ_MKN_U32, 540, nullptr, 0, nullptr));
+    ASSERT_TRUE(qz_mkn_get_record(mkn, 2, &record));
+    EXPECT_EQ(record.size, 0u);
+    EXPECT_FALSE(qz_mkn_get_record(mkn, 3, &record));
+
+    const uint32_t saved[] = {0x4e4b4d51, 1,   3,   0, 0,          0,          // header
+                              4,          530, 3,   0, 0x00020001, 0x00000003, // three of 16 bits
+                              9,          538, 7,   3, 0x73726576, 0x6b6e6f69,
+                              0x00007965, 6,   540, 0, 0}; // "version", "key"
+    std::vector<uint32_t> bytes(qz_mkn_saved_size(mkn) / 4, 7);
+    qz_mkn_save(mkn, bytes.data());
+    EXPECT_EQ(bytes, std::vector<uint32_t>(std::begin(saved), std::end(saved)));
     qz_mkn_destroy(mkn);
+    qz_mkn_destroy(nullptr);
+}
+
+TEST(log, writes_one_line_and_cuts_a_long_one)
+{
+    testing::internal::CaptureStderr();
+    qz_log(3, "%s", "");
+    qz_log(0, "%2000d", 7);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "qz[3] \nqz[0] " + std::string(1016, ' ') + "\n");
 }
 
 TEST(makernote, drops_and_counts_what_it_cannot_keep)
@@ -57,6 +80,8 @@ TEST(makernote, container_needs_the_tag_and_a_whole_header)
     bytes[3] = 'C';
     EXPECT_FALSE(qz_mkn_is_valid(&blob, tag));
     EXPECT_FALSE(qz_mkn_is_valid(nullptr, tag));
+    blob.data = nullptr;
+    EXPECT_FALSE(qz_mkn_is_valid(&blob, tag));
 }
 
 } // namespace

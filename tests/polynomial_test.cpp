@@ -174,6 +174,16 @@ TEST(lsc_polynomial_upscale_float, channels_see_what_earlier_ones_wrote)
     EXPECT_EQ(shared.run(from, to), 0u);
     EXPECT_EQ(shared.in[1], apart.out[1]); // in place
     EXPECT_EQ(shared.out[2], in_turn.out[2]);
+
+    for (floats shading::*read : {&shading::basis, &shading::lu}) {
+        shading over(6, 5, 6, 5), expected(6, 5, 6, 5);
+        const float *sources[4] = {over.in[0].data(), over.in[1].data(), over.in[2].data(), over.in[3].data()};
+        float *targets[4] = {(over.*read).data(), over.out[1].data(), over.out[2].data(), over.out[3].data()};
+        EXPECT_EQ(over.run(sources, targets), 0u);
+        std::copy(apart.out[0].begin(), apart.out[0].end(), (expected.*read).begin());
+        expected.run();
+        EXPECT_EQ(over.out[3], expected.out[3]);
+    }
 }
 
 } // namespace

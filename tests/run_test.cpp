@@ -2,6 +2,7 @@
 #include <map>
 #include <numeric>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -254,7 +255,12 @@ TEST(run, lens_shading_grows_the_record_and_survives_a_failed_frame)
 {
     camera one;
     shaded_frame shaded;
+    shaded.input.frame = nullptr;
     const aic_record &record = one.run(shaded.input);
+    EXPECT_EQ(one.output.bytes_used, 4928u + 8);
+    EXPECT_EQ(one.makernote().find("4:528"), std::string::npos);
+    shaded.input.frame = &shaded.frame;
+    one.run(shaded.input);
     const aic_lens_shading &block = record.lens_shading.payload;
     const uint32_t size = 8 + 8 * 27 * 21;
     EXPECT_EQ(one.output.bytes_used, 4928 + size);
@@ -354,6 +360,8 @@ TEST(run, white_balance_gains_reach_three_blocks_in_channel_order)
     colour.white_balance_gain[2] = 300.0f; // 9 integer bits: shifted left
     EXPECT_EQ(one.run(input).long_3.payload.gain[2], 38400u << 2);
     EXPECT_EQ(record.white_balance.payload.shift, 9u);
+    input.colour = nullptr;
+    EXPECT_EQ(one.run(input).white_balance.payload.shift, 2u);
 }
 
 TEST(run, black_levels_need_a_sensor_of_1_to_31_bits)
@@ -369,6 +377,13 @@ TEST(run, black_levels_need_a_sensor_of_1_to_31_bits)
     for (const uint16_t depth : std::initializer_list<uint16_t>{0, 32, 40}) {
         sensor.bit_depth = depth;
         EXPECT_EQ(one.run(input).black_level.payload.level[3], 0u) << depth;
+    }
+    sensor.bit_depth = 8;
+    isp_cmc nothing = {};
+    for (isp_cmc *missing : {&nothing, static_cast<isp_cmc *>(nullptr)}) {
+        isp_cmc *const known = std::exchange(one.context->cmc, missing);
+        EXPECT_EQ(one.run(input).black_level.payload.level[3], 0u);
+        one.context->cmc = known;
     }
 }
 
@@ -484,6 +499,10 @@ TEST(run, gamma_tables_of_both_lengths_and_equal_channels)
     EXPECT_EQ(list(record.gamma_0.payload.table), list(record.gamma_2.payload.table));
     EXPECT_LT(record.gamma_1.payload.table[128], record.gamma_0.payload.table[128]);
     EXPECT_EQ(one.record<uint8_t>(540), std::vector<uint8_t>{2});
+    input.brightness = 0;
+    const uint16_t plain = one.run(input).gamma_0.payload.table[16];
+    input.contrast = 40;
+    EXPECT_LT(one.run(input).gamma_0.payload.table[16], plain);
 }
 
 } // namespace

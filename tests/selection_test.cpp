@@ -132,12 +132,16 @@ TEST(selection, first_matching_rule_wins_and_later_ones_fill_up)
     EXPECT_EQ(three.xnr(), 10);
 }
 
-TEST(selection, a_single_set_index_ignores_rules)
+TEST(selection, rules_need_a_second_set_index_and_bytes_of_their_own)
 {
     const isp_geometry frame = {{}, 10, 10};
     selector one(test::join({xnr(0, 10), xnr(1, 11), test::rules({{1, 1, 0, 100.0}})}));
     one.select(1, &frame);
     EXPECT_EQ(one.xnr(), 10);
+    selector two(test::join(
+        {xnr(0, 10), test::set_container(1, xnr(0, 11)), test::record(709, {0, 0, 0, 0, 1, 0, 0, 0, 1, 0, 1, 0})}));
+    two.select(1, &frame);
+    EXPECT_EQ(two.xnr(), 10);
 }
 
 TEST(selection, null_arguments)
@@ -149,6 +153,11 @@ TEST(selection, null_arguments)
     isp_context context = {};
     EXPECT_EQ(tuningselector(1, &context, nullptr, nullptr, nullptr, 0, nullptr, nullptr), ISP_INVALID_ARGUMENT);
     EXPECT_EQ(tuningselector(1, &context, nullptr, nullptr, nullptr, 0, nullptr, &set), ISP_SUCCESS);
+    container one({xnr(0, 10), test::set_container(1, {})});
+    isp_parse(one.blob(), &context);
+    EXPECT_EQ(tuningselector(1, &context, nullptr, nullptr, nullptr, 2, nullptr, &set), ISP_SUCCESS);
+    EXPECT_NE(set.xnr.record, nullptr);
+    isp_parse_deinit(&context);
 }
 
 } // namespace

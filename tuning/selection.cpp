@@ -91,7 +91,7 @@ uint32_t tuningselector(uint32_t tuning_mode, const isp_context *context, const 
     const auto merge = [&](int32_t set_index) {
         qz::merge_tuning_sets(qz::candidates_of(tuning_mode, *context, set_index), *output);
     };
-    if (selection_list != nullptr && (set_count >= 1 || *selection_list != 0))
+    if (selection_list != nullptr)
         merge(0);
     if (rules != nullptr && rules->record != nullptr && rules->first_rule != nullptr && set_count >= 2) {
         constexpr size_t rule_size = 16;

@@ -96,7 +96,8 @@ uint32_t store_record(const void *source, uint32_t size, record_kind kind, isp_t
 
     limit_rows(record, size, kind);
     switch (kind.how) {
-    case filing::unknown: std::free(record); return ISP_INVALID_DATA;
+    case filing::unknown:
+    default: std::free(record); return ISP_INVALID_DATA;
     case filing::dropped: std::free(record); break;
     case filing::plain: replace(set, kind, record); break;
     case filing::fringe_control:

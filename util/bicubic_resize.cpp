@@ -48,7 +48,7 @@ uint32_t bicubic_resize_32f_to_u16p10(const float *src, uint16_t src_rows, uint1
         return 32;
 
     const size_t size = qz::extended_size(src_cols, src_rows);
-    auto *buffer = size != 0 ? static_cast<float *>(std::malloc(size)) : nullptr;
+    auto *buffer = static_cast<float *>(std::malloc(size));
     if (buffer == nullptr)
         return 4;
     qz::fill_extended(src, buffer, src_cols, src_rows);

@@ -47,7 +47,7 @@ uint32_t upscale(const Sample *const *src_planes, float *const *dst_planes, uint
 
     const size_t size = qz::extended_size(src_width, src_height);
     auto *strip = static_cast<qz::cubic_strip<float> *>(std::malloc(sizeof(qz::cubic_strip<float>)));
-    auto *buffer = size != 0 ? static_cast<float *>(std::malloc(size)) : nullptr;
+    auto *buffer = static_cast<float *>(std::malloc(size));
     const bool allocated = strip != nullptr && buffer != nullptr;
     if (allocated) {
         const upscale_job job = {.stride = qz::extended_stride(src_width),

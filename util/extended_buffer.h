@@ -2,6 +2,7 @@
 // neighbourhood of a source cell lies inside.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -15,11 +16,11 @@ inline size_t extended_stride(uint32_t width)
     return size_t{width} + extended_border;
 }
 
-// Bytes of the buffer, or 0 where their number does not fit a size_t.
+// Bytes of the buffer, or more than can be allocated where their number does not fit a size_t.
 inline size_t extended_size(uint32_t width, uint32_t height)
 {
     const uint64_t bytes = sizeof(float) * uint64_t{width + extended_border} * (height + extended_border);
-    return bytes <= std::numeric_limits<size_t>::max() ? static_cast<size_t>(bytes) : 0;
+    return static_cast<size_t>(std::min<uint64_t>(bytes, std::numeric_limits<size_t>::max()));
 }
 
 // Writes every sample of the buffer, whatever the plane's size. Sample is uint8_t, uint16_t or float.

@@ -23,15 +23,6 @@ inline uint16_t truncate_to_low_16(float value)
     return static_cast<uint16_t>(low | (value >= 2147483648.0f ? 0xffffu : 0u));
 }
 
-inline int32_t truncate_to_i32(double value)
-{
-    if (value > -2147483649.0 && value < 2147483648.0)
-        return static_cast<int32_t>(value);
-    if (value != value)
-        return 0;
-    return value < 0.0 ? std::numeric_limits<int32_t>::min() : std::numeric_limits<int32_t>::max();
-}
-
 // Negative values give 0.
 inline uint32_t truncate_to_u32(float value)
 {

@@ -35,7 +35,7 @@ struct projection {
             for (uint32_t p = 0; p < samples; p += Lanes)
                 add_samples<Lanes>(sum, term, p, static_cast<int>(std::min<uint32_t>(Lanes, samples - p)));
             for (int channel = 0; channel < channels; ++channel)
-                for (int lane = 0; lane < Lanes && term + lane < terms; ++lane)
+                for (int lane = 0; lane < std::min(Lanes, terms - term); ++lane)
                     b[channel * terms + term + lane] = sum[channel][lane];
         }
     }

@@ -158,9 +158,7 @@ struct factors {
 bool factorise_blocked(const factors &f)
 {
     const auto size = (static_cast<size_t>(f.n) + block_size - 1) / block_size * block_size;
-    if (static_cast<uint64_t>(size) * size > SIZE_MAX / sizeof(float))
-        return false;
-    auto *memory = static_cast<float *>(calloc(size * size, sizeof(float)));
+    auto *memory = static_cast<float *>(calloc(size, size * sizeof(float)));
     if (memory == nullptr)
         return false;
     for (auto k = static_cast<size_t>(f.n); k < size; ++k)
@@ -169,7 +167,7 @@ bool factorise_blocked(const factors &f)
                                   static_cast<ptrdiff_t>(size * sizeof(float)), dense};
     qz::copy(f.a, work, f.n, f.n);
     qz::run_widest(blocked_elimination{work, static_cast<int32_t>(size)});
-    qz::copy({work.data, work.row_stride, work.column_stride}, f.out, f.n, f.n);
+    qz::copy(work, f.out, f.n, f.n);
     free(memory);
     return true;
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <type_traits>
 
 namespace qz {
 
@@ -26,6 +27,11 @@ struct matrix_view {
     }
 
     matrix_view from(ptrdiff_t row, ptrdiff_t column) const { return {at(row, column), row_stride, column_stride}; }
+
+    operator matrix_view<const Byte>() const requires(!std::is_const_v<Byte>)
+    {
+        return {data, row_stride, column_stride};
+    }
 
     matrix_view transposed() const { return {data, column_stride, row_stride}; }
 
@@ -66,8 +72,7 @@ inline void store_float(unsigned char *at, float value)
 }
 
 // Whether no two elements of a view share a byte. Views that interleave rows and columns may be taken for ones that do.
-template <typename Byte>
-bool apart(const matrix_view<Byte> &view, int32_t rows, int32_t columns)
+inline bool apart(const source_view &view, int32_t rows, int32_t columns)
 {
     const int64_t down = std::abs(static_cast<int64_t>(view.row_stride));
     const int64_t right = std::abs(static_cast<int64_t>(view.column_stride));
@@ -80,9 +85,8 @@ bool apart(const matrix_view<Byte> &view, int32_t rows, int32_t columns)
 }
 
 // Whether the bytes from the first to the last of two views have any in common.
-template <typename ByteA, typename ByteB>
-bool touch(const matrix_view<ByteA> &a, int32_t a_rows, int32_t a_columns, const matrix_view<ByteB> &b, int32_t b_rows,
-           int32_t b_columns)
+inline bool touch(const source_view &a, int32_t a_rows, int32_t a_columns, const source_view &b, int32_t b_rows,
+                  int32_t b_columns)
 {
     const byte_range first = a.range(a_rows, a_columns);
     const byte_range second = b.range(b_rows, b_columns);
