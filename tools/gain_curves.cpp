@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <set>
-#include <cstring>
 
 #include "qz_isp/gain.h"
 
