@@ -177,7 +177,7 @@ sweep_range read_range(const range_option &option, frame_inputs &inputs)
 
 double sweep_range::value(uint64_t place) const
 {
-    return list.empty() ? std::min(first + static_cast<double>(place) * step, last) : list[place];
+    return list.empty() ? std::min(first + static_cast<double>(place) * step, last) : list[static_cast<size_t>(place)];
 }
 
 sweep_ranges::sweep_ranges(const std::vector<std::string> &options, frame_inputs &inputs)
