@@ -5,6 +5,19 @@
 #   tools     the program qz-isp with its manual page and completion
 include(CMakePackageConfigHelpers)
 
+# install_compressed(file directory component): manual pages and changelogs, as Debian keeps them.
+function(install_compressed file directory component)
+  cmake_path(GET file FILENAME name)
+  set(packed ${CMAKE_CURRENT_BINARY_DIR}/${name}.gz)
+  execute_process(COMMAND gzip -9nc ${CMAKE_CURRENT_SOURCE_DIR}/${file} OUTPUT_FILE ${packed}
+                  COMMAND_ERROR_IS_FATAL ANY)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+  install(
+    FILES ${packed}
+    DESTINATION ${directory}
+    COMPONENT ${component})
+endfunction()
+
 add_library(qz_isp::qz_isp ALIAS qz_isp)
 add_library(qz_isp::qz_log ALIAS qz_log)
 add_library(qz_isp::qz_mkn ALIAS qz_mkn)
@@ -75,10 +88,7 @@ if(TARGET qz-isp)
   set_target_properties(qz-isp PROPERTIES BUILD_WITH_INSTALL_RPATH ON
                                           INSTALL_RPATH "$ORIGIN;$ORIGIN/${from_bin_to_lib}")
   install(TARGETS qz-isp RUNTIME COMPONENT tools)
-  install(
-    FILES tools/qz-isp.1
-    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
-    COMPONENT tools)
+  install_compressed(tools/qz-isp.1 ${CMAKE_INSTALL_MANDIR}/man1 tools)
   install(
     FILES tools/qz-isp.bash
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions

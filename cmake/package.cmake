@@ -32,11 +32,15 @@ function(debian_package component name section summary details)
   set(CPACK_DEBIAN_${key}_PACKAGE_SECTION ${section} PARENT_SCOPE)
   set(CPACK_DEBIAN_${key}_DESCRIPTION "${summary}\n${details}" PARENT_SCOPE)
   set(CPACK_DEBIAN_${key}_PACKAGE_DEPENDS "${depends}" PARENT_SCOPE)
+  if(section STREQUAL libs)
+    set(CPACK_DEBIAN_${key}_PACKAGE_CONTROL_EXTRA ${CMAKE_SOURCE_DIR}/cmake/triggers PARENT_SCOPE)
+  endif()
   install(
     FILES LICENSE
     DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${name}
     RENAME copyright
     COMPONENT ${component})
+  install_compressed(cmake/changelog ${CMAKE_INSTALL_DATADIR}/doc/${name} ${component})
 endfunction()
 
 set(library_package libqz-isp${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
