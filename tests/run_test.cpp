@@ -274,20 +274,25 @@ TEST(run, lens_shading_grows_the_record_and_survives_a_failed_frame)
     EXPECT_EQ(block.table[3], start + 4976 + 3 * 2 * 567);
     EXPECT_EQ(block.entries[4 * 567 - 1], 256);
 
-    // 129 x 97 entries do not fit; cells of 16 come from a small sensor.
+    // 422 x 9 entries do not fit, 421 x 9 fill the record; cells of 16 come from a small sensor.
     isp_sensor_description &sensor = *one.context->cmc->sensor_description;
     sensor.width = 10;
-    shaded.frame.size = {{}, 4096, 3072};
+    shaded.frame.size = {{}, 13442, 256};
     one.run(shaded.input);
     EXPECT_EQ(block.enable, 0u);
     EXPECT_EQ(one.output.bytes_used, 4928 + size);
     EXPECT_EQ(block.entries[4 * 567], 0);
+    shaded.frame.size.width = 13440;
+    one.run(shaded.input);
+    EXPECT_EQ(block.enable, 1u);
+    EXPECT_EQ(one.output.bytes_used, 4928u + 8 + 8 * 3789);
+    EXPECT_EQ(block.entries[4 * 3789 - 1], 256);
 
     // Of an unusable sensor nothing is known: cells of 64 fit again.
     sensor.bit_depth = 32;
     one.run(shaded.input);
     EXPECT_EQ(block.enable, 1u);
-    EXPECT_EQ(block.columns, 33u);
+    EXPECT_EQ(block.columns, 106u);
 
     shaded.lsc.enable = 0;
     one.run(shaded.input);
