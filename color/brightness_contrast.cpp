@@ -58,7 +58,8 @@ struct tone_curves {
 // For values of the curves, which lie from 0 to the table's largest entry, give or take a rounding.
 uint16_t rounded(float value)
 {
-    return static_cast<uint16_t>(static_cast<int32_t>(static_cast<double>(value) + 0.5));
+    const double half_up = static_cast<double>(value) + 0.5;
+    return static_cast<uint16_t>(static_cast<int32_t>(half_up));
 }
 
 // Tables are worked on a stretch at a time: what lies around the powers vectorises by itself.

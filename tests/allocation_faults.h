@@ -7,7 +7,8 @@ namespace faults {
 
 inline constexpr long never = -1;
 
-// Allocation number n (0 = the next one) fails, once or with every later one; with never, none does. Restarts the count.
+// Allocation number n (0 = the next one) fails, once or with every later one; with never, none does. Restarts the
+// count.
 void fail_allocation(long n, bool later_too = false);
 
 // Allocations asked for since the last call of fail_allocation(), failed ones included.
