@@ -105,10 +105,20 @@ TEST_F(explain_program, names_what_is_missing_or_switched_off)
     };
     const std::string tuning = R"({"records": [
         {"slot": "edge_enhancement", "family": 320, "set": 0, "version": 100, "rows": []},
-        {"slot": "macc", "family": 320, "set": 0, "version": 100, "entries": []}]})";
+        {"slot": "macc", "family": 320, "set": 0, "version": 100, "entries": []},
+        {"slot": "long_3", "family": 768, "set": 0, "version": 100, "rows": []},
+        {"slot": "xnr", "family": 320, "set": 1, "version": 100, "rows": [[0, 65535], [65535, 0]]},
+        {"slot": "fringe_control", "family": 320, "set": 0, "version": 101, "count2": 259,
+         "rows": [[256, 1, 2, 3, 4, 5, 6, 7, 8]]}]})";
     const expectation expected[] = {
         {R"({})", "xnr", "off", "nr_mode 0"},
-        {R"({"nr_mode": 1})", "xnr", "defaults", "no set that the frame selects from has a record xnr"},
+        {R"({"nr_mode": 1})", "y_edge_enhancement", "defaults",
+         "no set that the frame selects from has a record y_edge_enhancement"},
+        {R"({"nr_mode": 1, "exposure": {"analog_gain": 200}})", "xnr", "tuning",
+         "a value wraps round, as difference x distance of the rows has over 32 bits"},
+        {R"({})", "long_3", "kept", "the record has no rows, gain: white_balance's gains with 9 fractional bits"},
+        {R"({"edge_mode": 1})", "fringe_control", "tuning",
+         "exponent: 3 and the shift, field_0_to_3 as the frame before left them, for want of a second table"},
         {R"({"nr_mode": 1})", "noise_reduction", "off", "nr_mode 1, on from 2"},
         {R"({"edge_mode": 1})", "edge_enhancement", "kept", "the record has no rows"},
         {R"({"edge_mode": 1})", "macc", "tuning",
@@ -134,11 +144,12 @@ TEST_F(explain_program, names_what_is_missing_or_switched_off)
 
 TEST_F(explain_program, follows_rules_modes_and_replacement_to_the_record)
 {
-    // Offsets: the header's 24 bytes, 48 of two rules, 14 for a record of one xnr row.
+    // Offsets: the header's 24 bytes, 64 of three rules, 14 for a record of one xnr row.
     const std::string tuning = R"({"records": [
         {"slot": "rules", "version": 100, "rules": [
             {"kind": "frame", "op": ">", "threshold": 100, "set_index": 9},
-            {"kind": "frame", "op": ">", "threshold": 100, "set_index": 3}]},
+            {"kind": "frame", "op": ">", "threshold": 100, "set_index": 3},
+            {"kind": "aux_size", "op": ">=", "threshold": 0, "set_index": 0}]},
         {"slot": "xnr", "family": 320, "set": 0, "version": 100, "rows": [[256, 1]]},
         {"slot": "xnr", "family": 320, "set": 0, "version": 100, "rows": [[256, 2]]},
         {"slot": "xnr", "family": 320, "set": 1, "version": 100, "rows": [[256, 3]]},
@@ -148,12 +159,15 @@ TEST_F(explain_program, follows_rules_modes_and_replacement_to_the_record)
         return origins(R"({"frames": [{"nr_mode": 1, )" + frame + "}]}", tuning).at("xnr");
     };
     EXPECT_EQ(record(R"("tuning_mode": 1)").at("record"), json::parse(R"({"slot": "xnr", "id": 335, "version": 100,
-        "set": 0, "set_index": 0, "rule": null, "offset": 86})"));
+        "set": 0, "set_index": 0, "rule": null, "offset": 102})"));
     EXPECT_EQ(record(R"("tuning_mode": 0)").at("record").at("set"), 1);
+    // Set index 0 by a rule, or because a selection list puts it first.
+    EXPECT_EQ(record(R"("aux_size": {})").at("record").at("rule"), 2);
+    EXPECT_EQ(record(R"("aux_size": {}, "selection_list": [])").at("record").at("rule"), nullptr);
     const json ruled = record(R"("frame": {"size": {"width": 20, "height": 20}},
                                  "exposure": {"analog_gain": 2})");
     EXPECT_EQ(ruled.at("record"), json::parse(R"({"slot": "xnr", "id": 399, "version": 101, "set": 2, "set_index": 3,
-        "rule": 1, "offset": 122})"));
+        "rule": 1, "offset": 138})"));
     EXPECT_EQ(ruled.at("rows"),
               json::parse(R"({"count": 2, "lower": {"row": 0, "key": 256, "weight": 0.6666666666666667},
         "upper": {"row": 1, "key": 1024, "weight": 0.3333333333333333}})"));

@@ -31,6 +31,7 @@ struct factor_rule {
     double at_127;
     double at_minus_128;
     std::string_view meaning;
+    int limit = 0; // of what a strength other than 0 gives; 0: none
 };
 
 // How a block comes about.
@@ -38,8 +39,9 @@ struct block_source {
     std::string_view block;
     std::string_view slot; // of the tuning set; empty: none
     gate needs;
-    std::string_view inputs; // what goes in beside the record
+    std::string_view inputs; // what goes in beside the record, or without one
     std::vector<factor_rule> factors = {};
+    std::string_view reading = {}; // how values are taken from the record
 };
 
 // In record order.

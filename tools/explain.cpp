@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -13,12 +13,23 @@ namespace qz::tool {
 
 namespace {
 
-uint32_t current_gain(const frame_inputs &inputs)
+void add_gain(const frame_inputs &inputs, frame_origin &frame)
 {
-    if (!inputs.exposure || !(inputs.exposure->analog_gain >= 1.0f && inputs.exposure->digital_gain >= 1.0f))
-        return 256;
-    const float gain = std::fmod(inputs.exposure->digital_gain * inputs.exposure->analog_gain * 256.0f, 65536.0f);
-    return std::isfinite(gain) ? static_cast<uint32_t>(gain) : 0;
+    frame.gain = 256;
+    if (!inputs.exposure) {
+        frame.gain_why = "the frame has no exposure";
+        return;
+    }
+    const auto [unused, analog, digital] = *inputs.exposure;
+    if (!(analog >= 1.0f && digital >= 1.0f)) {
+        frame.gain_why = fmt::format("analog_gain {} or digital_gain {} is below 1", analog, digital);
+        return;
+    }
+    const float gain = digital * analog * 256.0f;
+    const float low_bits = std::fmod(gain, 65536.0f);
+    frame.gain = std::isfinite(low_bits) ? static_cast<uint32_t>(low_bits) : 0;
+    if (gain >= 65536.0f)
+        frame.gain_why = fmt::format("the low 16 bits of {:.0f}", gain);
 }
 
 float saturation_factor(const frame_inputs &inputs)
@@ -52,16 +63,21 @@ class explainer {
 
     block_origin explain(const block_source &rule) const
     {
-        block_origin result = {origin::inputs, std::string(rule.inputs), std::nullopt, std::nullopt, {}};
+        block_origin result = {origin::inputs, "", std::nullopt, std::nullopt, {}};
+        add_note(rule.inputs, result);
         if (rule.needs == gate::fixed)
             result.source = origin::fixed;
         else if (rule.needs == gate::counter)
             result.source = origin::context;
-        else if (!add_gate(rule.needs, rule.block, result) || (!rule.slot.empty() && !add_record(rule, result)))
+        const bool is_computed =
+            add_gate(rule.needs, rule.block, result) && (rule.slot.empty() || add_record(rule, result));
+        // Kept gamma tables go through brightness and contrast as new ones do.
+        if (!is_computed && rule.needs != gate::gamma)
             return result;
         for (const factor_rule &factor : rule.factors)
             add_control(factor, result.controls);
-        add_effects(rule.block, result.why);
+        if (is_computed)
+            add_notes(rule.block, result);
         return result;
     }
 
@@ -124,10 +140,11 @@ class explainer {
         result.record = selection_.find(rule.slot);
         if (!result.record) {
             result.source = origin::defaults;
-            result.why = fmt::format("no set that the frame selects from has a record {}", rule.slot);
+            put_first(fmt::format("no set that the frame selects from has a record {}", rule.slot), result);
             return false;
         }
         result.source = origin::tuning;
+        add_note(rule.reading, result);
         const record_shape shape = result.record->kind->shape;
         if (shape == record_shape::macc)
             add_base_set(result);
@@ -141,12 +158,40 @@ class explainer {
         const record_rows rows = rows_of(*result.record);
         if (rows.count > 0) {
             result.rows = around(rows);
+            if (wraps(rows, *result.rows, result.record->kind->row))
+                add_note("a value wraps round, as difference x distance of the rows has over 32 bits", result);
+            if (result.record->kind->shape == record_shape::fringe)
+                add_fringe_tail(result);
+            if (result.record->kind->name == "chroma_nr")
+                add_note("field[0..1] times 32", result);
             return true;
         }
         const bool has_defaults = rule.block == "long_5" || rule.block == "long_6";
         result.source = has_defaults ? origin::defaults : origin::kept;
-        result.why = "the record has no rows";
+        result.why = rule.inputs;
+        put_first("the record has no rows", result);
         return false;
+    }
+
+    // What follows the rows in the record's newer versions.
+    void add_fringe_tail(block_origin &result) const
+    {
+        const isp_fringe_control_slot &slot = selection_.selected().fringe_control;
+        add_note(fmt::format("exponent: {} and the shift", static_cast<uint8_t>(slot.count2)), result);
+        if (slot.extra == nullptr)
+            add_note("field_0_to_3 as the frame before left them, for want of a second table", result);
+    }
+
+    static void add_note(std::string_view note, block_origin &result)
+    {
+        if (!note.empty())
+            result.why += fmt::format("{}{}", result.why.empty() ? "" : ", ", note);
+    }
+
+    static void put_first(std::string_view why, block_origin &result)
+    {
+        const std::string notes = std::exchange(result.why, std::string(why));
+        add_note(notes, result);
     }
 
     // The rows that the library interpolates between: of equal keys the first, outside the table the nearer end.
@@ -171,6 +216,25 @@ class explainer {
         return {rows.count, low, high, low_key, high_key, weight};
     }
 
+    // Whether a value lies elsewhere than its row weights tell, for want of bits.
+    bool wraps(const record_rows &rows, const row_origin &between, std::span<const element_run> row) const
+    {
+        constexpr double too_large = 2147483648.0;
+        const auto distance = static_cast<double>(frame_.gain - between.lower_key);
+        bool found = static_cast<double>(between.upper_key - between.lower_key) >= too_large;
+        size_t offset = 0;
+        for (const element_run &part : row) {
+            const field column = {"", part.type, part.count, 1, 0, true};
+            for (size_t i = offset == 0 ? 1 : 0; i < part.count; ++i) { // the key comes first
+                const int64_t from = integer_at(column, rows.bytes + between.lower * rows.size + offset, i);
+                const int64_t to = integer_at(column, rows.bytes + between.upper * rows.size + offset, i);
+                found |= std::abs(static_cast<double>(to - from) * distance) >= too_large;
+            }
+            offset += part.count * element_size(part.type);
+        }
+        return found && between.lower_key != between.upper_key;
+    }
+
     // Which entry of a multi-axis record the sectors start from.
     void add_base_set(block_origin &result) const
     {
@@ -189,18 +253,17 @@ class explainer {
         }
         const std::string wanted = nearest ? fmt::format("nearest to macc_target {}", target)
                                            : std::string("of key 0, as tuning_mode is not 1");
-        if (!result.why.empty())
-            result.why += ", ";
         if (base)
-            result.why += fmt::format("entry {} of {} (key {}), the base set {}", *base, entries.count,
-                                      entry_key(entries, *base), wanted);
+            add_note(fmt::format("entry {} of {} (key {}), the base set {}", *base, entries.count,
+                                 entry_key(entries, *base), wanted),
+                     result);
         else
-            result.why += fmt::format("identity, as none of {} entries is a base set {}", entries.count, wanted);
-        add_effect_tables(entries, result.why);
+            add_note(fmt::format("identity, as none of {} entries is a base set {}", entries.count, wanted), result);
+        add_effect_tables(entries, result);
     }
 
     // The last entry of an effect's type replaces its fixed table; effect 5 has no type.
-    void add_effect_tables(const record_rows &entries, std::string &why) const
+    void add_effect_tables(const record_rows &entries, block_origin &result) const
     {
         for (unsigned effect = 1; effect <= 5; ++effect) {
             if (((inputs_.controls.effects >> (effect - 1)) & 1) == 0)
@@ -210,7 +273,7 @@ class explainer {
                 if (entries.key(i) == effect)
                     table = fmt::format("entry {}", i);
             }
-            why += fmt::format(", times {} for effect macc_{}", table, effect);
+            add_note(fmt::format("times {} for effect macc_{}", table, effect), result);
         }
     }
 
@@ -223,27 +286,30 @@ class explainer {
     {
         const isp_input_params &input = inputs_.controls;
         switch (rule.by) {
-        case control::nr_strength:
-            controls.push_back(
-                {"nr_strength", double(input.nr_strength), strength_factor(input.nr_strength, rule), rule.meaning});
-            break;
-        case control::sharpness:
-            controls.push_back(
-                {"sharpness", double(input.sharpness), strength_factor(input.sharpness, rule), rule.meaning});
-            break;
+        case control::nr_strength: controls.push_back(strength("nr_strength", input.nr_strength, rule)); break;
+        case control::sharpness: controls.push_back(strength("sharpness", input.sharpness, rule)); break;
         case control::fringe_sharpness:
             controls.push_back({"sharpness", double(input.sharpness), std::abs(signed_part(input.sharpness)),
                                 input.sharpness < 0 ? "part of the way of field_4_to_7 to 0"
                                                     : "part of the way of field_4_to_7 to 65535"});
             break;
         case control::hue:
-            controls.push_back({"hue", double(input.hue), 180.0 * signed_part(input.hue), rule.meaning});
+            controls.push_back({"hue", double(input.hue), 180.0 * signed_part(input.hue), std::string(rule.meaning)});
             break;
         case control::saturation:
-            controls.push_back({"saturation", double(input.saturation), frame_.saturation, rule.meaning});
+            controls.push_back({"saturation", double(input.saturation), frame_.saturation, std::string(rule.meaning)});
             break;
         case control::tone: add_tone(input, controls); break;
         }
+    }
+
+    // Without a strength values are not limited either.
+    static control_origin strength(std::string_view name, int value, const factor_rule &rule)
+    {
+        std::string meaning(rule.meaning);
+        if (value != 0 && rule.limit != 0)
+            meaning += fmt::format(", up to {}", rule.limit);
+        return {name, double(value), strength_factor(value, rule), std::move(meaning)};
     }
 
     static void add_tone(const isp_input_params &input, std::vector<control_origin> &controls)
@@ -256,24 +322,42 @@ class explainer {
         controls.push_back({"contrast", double(input.contrast), contrast, "exponent of the curve's two halves"});
     }
 
-    // Effects that act on the block.
-    void add_effects(std::string_view block, std::string &why) const
+    // What only some frames have.
+    void add_notes(std::string_view block, block_origin &result) const
     {
         const uint32_t effects = inputs_.controls.effects;
-        constexpr uint32_t grey = ISP_EFFECT_GREY | ISP_EFFECT_TWO_LEVEL;
-        constexpr uint32_t negative = ISP_EFFECT_NEGATIVE | ISP_EFFECT_NEGATIVE_ALT;
-        if (block == "yuv_to_rgb" && (effects & (grey | ISP_EFFECT_WARM_GREY | ISP_EFFECT_COOL_GREY)) != 0)
-            why = "effects, which replace colour.ccm";
-        if (block.starts_with("gamma_") && (effects & negative) != 0)
-            why += ", mirrored by effects";
+        if (block == "yuv_to_rgb" &&
+            (effects & (ISP_EFFECT_GREY | ISP_EFFECT_TWO_LEVEL | ISP_EFFECT_WARM_GREY | ISP_EFFECT_COOL_GREY)) != 0)
+            result.why = "effects, which replace colour.ccm";
+        if (block.starts_with("gamma_") && (effects & (ISP_EFFECT_NEGATIVE | ISP_EFFECT_NEGATIVE_ALT)) != 0)
+            add_note("mirrored by effects", result);
         if (block.starts_with("gamma_") && (effects & ISP_EFFECT_TWO_LEVEL) != 0)
-            why += ", in two levels by effects";
-        if (block == "lens_shading" && record_.record.lens_shading.payload.enable == 0)
-            why = fmt::format("refused: a size or a scaling term of frame or lsc is 0 or missing, or a table would "
-                              "have more than {} entries",
-                              AIC_LENS_SHADING_MAX_ENTRIES);
-        if (block == "ctc" && (effects & ISP_EFFECT_VIVID) != 0)
-            why += "effects: vivid";
+            add_note("in two levels by effects", result);
+        if (block == "lens_shading")
+            add_shading(result);
+        if (block == "ctc")
+            add_saturation(result);
+    }
+
+    void add_shading(block_origin &result) const
+    {
+        if (record_.record.lens_shading.payload.enable == 0)
+            result.why = fmt::format("refused: a size or a scaling term of frame or lsc is 0 or missing, or a table "
+                                     "would have more than {} entries",
+                                     AIC_LENS_SHADING_MAX_ENTRIES);
+        else if (inputs_.colour && has_sensor())
+            add_note("the black levels as factors", result);
+    }
+
+    // What the factor is made of beside the control.
+    void add_saturation(block_origin &result) const
+    {
+        if (inputs_.colour && inputs_.colour->saturation > 0.0f)
+            add_note(fmt::format("colour.saturation {}", inputs_.colour->saturation), result);
+        if (inputs_.scene && inputs_.scene->saturation_decrement > 0.0f)
+            add_note(fmt::format("less scene.saturation_decrement {}", inputs_.scene->saturation_decrement), result);
+        if ((inputs_.controls.effects & ISP_EFFECT_VIVID) != 0)
+            add_note("times 1.5 for effect vivid", result);
     }
 
     const frame_inputs &inputs_;
@@ -295,8 +379,9 @@ frame_origin explain_frame(const isp_session &session, const frame_inputs &input
 {
     const frame_selection selection(session, inputs);
     frame_origin frame = {
-        session.tuning_name(),     session.context().set_count,       inputs.controls.tuning_mode, current_gain(inputs),
+        session.tuning_name(),     session.context().set_count,       inputs.controls.tuning_mode, 0, "",
         saturation_factor(inputs), inputs.selection_list.has_value(), selection.rules(),           {}};
+    add_gain(inputs, frame);
     const explainer each(session, inputs, selection, record, frame);
     for (const block_layout &block : record_blocks())
         frame.blocks.push_back(each.explain(*std::ranges::find(block_sources(), block.name, &block_source::block)));

@@ -37,12 +37,12 @@ struct control_origin {
     std::string_view control;
     double value;
     double amount;
-    std::string_view meaning; // of the amount: "factor of param[0]"
+    std::string meaning; // of the amount: "factor of param[0]"
 };
 
 struct block_origin {
     origin source;
-    std::string why; // what is missing or switched off, or which inputs went in
+    std::string why; // what is missing or switched off, which inputs went in, how the record was read
     std::optional<selected_record> record;
     std::optional<row_origin> rows;
     std::vector<control_origin> controls;
@@ -52,7 +52,8 @@ struct frame_origin {
     std::string tuning; // what messages call it
     int32_t set_count;  // set indices it has
     uint32_t tuning_mode;
-    uint32_t gain; // 256 = unity, 16 bits
+    uint32_t gain;        // 256 = unity, 16 bits
+    std::string gain_why; // where it is not the product of the frame's gains
     float saturation;
     bool index_0_first; // a selection list puts set index 0 before the rules' indices
     std::vector<evaluated_rule> rules;

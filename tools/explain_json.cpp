@@ -13,6 +13,7 @@ json rule_json(const evaluated_rule &rule)
             {"op", rule.op},
             {"threshold", rule.threshold},
             {"set_index", rule.set_index},
+            {"has_set_index", rule.has_set_index},
             {"matches", rule.matches}};
 }
 
@@ -53,6 +54,7 @@ json frame_origin_json(const frame_origin &frame)
             {"index_0_first", frame.index_0_first},
             {"rules", std::move(rules)},
             {"gain", frame.gain},
+            {"gain_why", frame.gain_why},
             {"saturation", frame.saturation}};
 }
 

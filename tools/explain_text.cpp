@@ -17,8 +17,9 @@ std::string rule_text(size_t number, const evaluated_rule &rule)
     if (rule.kind.empty() || rule.op.empty())
         return fmt::format("{}: of unknown kind or comparison, ignored", number);
     const std::string area = rule.area ? fmt::format(" {}", *rule.area) : std::string(" missing");
-    return fmt::format("{}: {} area{} {} {}: {} set index {}", number, rule.kind, area, rule.op, rule.threshold,
-                       rule.matches ? "takes" : "not", rule.set_index);
+    const std::string_view missing = rule.matches && !rule.has_set_index ? ", which the tuning does not have" : "";
+    return fmt::format("{}: {} area{} {} {}: {} set index {}{}", number, rule.kind, area, rule.op, rule.threshold,
+                       rule.matches && rule.has_set_index ? "takes" : "not", rule.set_index, missing);
 }
 
 std::string record_origin_text(const selected_record &record)
@@ -55,7 +56,8 @@ std::string frame_origin_text(const frame_origin &frame)
     size_t number = 0;
     for (const evaluated_rule &rule : frame.rules)
         text += line(number == 0 ? "rules" : "", rule_text(number, rule)), ++number;
-    text += line("gain", fmt::format("{} (256 = 1.0)", frame.gain));
+    text +=
+        line("gain", fmt::format("{} (256 = 1.0){}{}", frame.gain, frame.gain_why.empty() ? "" : ": ", frame.gain_why));
     text += line("saturation", fmt::format("factor {:.6g}", frame.saturation));
     return text + "\n";
 }

@@ -94,15 +94,15 @@ evaluated_rule evaluate(const uint8_t *bytes, const frame_inputs &inputs, int32_
     const byte_view rule(bytes, rule_size);
     const auto kind = read_le<uint16_t>(rule, 0);
     const auto op = read_le<uint16_t>(rule, 2);
-    evaluated_rule result = {name_of(rule_kinds, kind),  name_of(rule_ops, op), 0,
-                             read_le<uint16_t>(rule, 4), std::nullopt,          false};
+    const auto set_index = read_le<uint16_t>(rule, 4);
+    evaluated_rule result = {name_of(rule_kinds, kind), name_of(rule_ops, op), 0,    set_index,
+                             set_index < set_count,     std::nullopt,          false};
     const auto threshold = read_le<uint64_t>(rule, 8);
     std::memcpy(&result.threshold, &threshold, sizeof threshold);
     if (const isp_geometry *size = geometry_of(kind, inputs)) {
         // Areas of 2^31 and more are negative.
         result.area = static_cast<int32_t>(uint32_t{size->width} * size->height);
-        result.matches =
-            holds(op, *result.area, result.threshold) && static_cast<int64_t>(result.set_index) < set_count;
+        result.matches = holds(op, *result.area, result.threshold);
     }
     return result;
 }
@@ -111,7 +111,7 @@ evaluated_rule evaluate(const uint8_t *bytes, const frame_inputs &inputs, int32_
 
 frame_selection::frame_selection(const isp_session &session, const frame_inputs &inputs)
     : context_(&session.context()), container_(read_container("", session.container())),
-      selected_(session.selection(inputs))
+      selected_(session.selection(inputs)), index_0_first_(inputs.selection_list.has_value())
 {
     // With a single set index the rules have nothing to choose from.
     if (context_->rules.first_rule == nullptr || context_->set_count < 2)
@@ -140,7 +140,7 @@ std::optional<selected_record> frame_selection::find(std::string_view slot) cons
     find_last(container_.list, 0, result, slot, found);
     if (found != nullptr)
         result.offset = found->offset;
-    if (result.set_index != 0)
+    if (result.set_index != 0 || !index_0_first_)
         result.rule = rule_of(result.set_index);
     return result;
 }

@@ -17,7 +17,7 @@ struct selected_record {
     uint8_t version;
     uint8_t set;
     unsigned set_index;
-    std::optional<size_t> rule;   // the first matching rule that names the set index, unless that is 0
+    std::optional<size_t> rule;   // the first matching rule that names the set index
     std::optional<size_t> offset; // in the container; none inside very deep nesting
 };
 
@@ -27,6 +27,7 @@ struct evaluated_rule {
     std::string_view op;   // empty: never matches
     double threshold;
     unsigned set_index;
+    bool has_set_index;          // of the tuning; a rule takes nothing without
     std::optional<int32_t> area; // of the geometry that the rule looks at; none when that is missing
     bool matches;
 };
@@ -40,6 +41,7 @@ class frame_selection {
     std::optional<selected_record> find(std::string_view slot) const;
 
     const std::vector<evaluated_rule> &rules() const { return rules_; }
+    const isp_tuning_set &selected() const { return selected_; }
 
   private:
     std::optional<size_t> rule_of(unsigned set_index) const;
@@ -48,6 +50,7 @@ class frame_selection {
     tuning_container container_;
     isp_tuning_set selected_;
     std::vector<evaluated_rule> rules_;
+    bool index_0_first_; // a selection list takes it before any rule
 };
 
 // Order of an index's sets: the first that holds a record gives it.
