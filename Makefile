@@ -93,7 +93,7 @@ coverage:
 	cmake --preset coverage
 	cmake --build --preset coverage --parallel $(JOBS)
 	ctest --preset coverage --parallel $(JOBS) --no-tests=error
-	gcovr --root . --object-directory build/coverage --txt --branches
+	gcovr --root . --object-directory build/coverage --delete --branches --print-summary
 
 docs:
 	scripts/install-deps.sh docs
