@@ -38,10 +38,12 @@ TEST_F(compare_program, diff_of_tunings_finds_the_one_record)
     EXPECT_EQ(run("diff a.vuxb a.json").code, 0);
 
     // The same records in another order are another container, as later ones replace earlier ones.
-    const std::string records[] = {R"({"id": 1, "bytes": ""})", R"({"id": 2, "bytes": ""})"};
+    const std::string records[] = {R"({"id": 1, "bytes": "00"})", R"({"id": 2, "bytes": "00"})"};
     write("c.json", R"({"records": [)" + records[0] + "," + records[1] + "]}");
     write("d.json", R"({"records": [)" + records[1] + "," + records[0] + "]}");
-    EXPECT_EQ(run("diff c.json d.json").code, 1);
+    const result moved = run("diff c.json d.json");
+    EXPECT_EQ(moved.code, 1);
+    EXPECT_TRUE(contains(moved.out, "\"set index 0, id 1\" -> \"set index 0, id 2\"")) << moved.out;
     write("e.json", R"({"records": [)" + records[1] + "]}");
     EXPECT_TRUE(contains(run("diff c.json e.json").out, "set index 0, id 1: only in A\n"));
 }
@@ -92,6 +94,34 @@ TEST_F(compare_program, a_dump_reads_back_as_what_was_run)
     const result found = run("diff all.aic 0.aic");
     EXPECT_TRUE(contains(found.out, "frame 1, block 1 white_balance: only in A\n"));
     EXPECT_FALSE(contains(found.out, "frame 0"));
+}
+
+TEST_F(compare_program, dumps_are_told_apart_and_compared_to_the_last_byte)
+{
+    make("run --frame 0 --raw 0.aic");
+    byte_buffer fixed = read_file(path("0.aic"));
+    byte_buffer overflowing = fixed;
+    overflowing[offsetof(aic_record, lens_shading.payload.columns) + 3] = 0x20; // 8 x 2^29 entries are 2^32 bytes
+    EXPECT_THROW(read_records("overflowing", overflowing), file_error);
+
+    // 401 records of the fixed blocks are as long as 56 whole records.
+    fixed.resize(AIC_FIXED_SIZE);
+    byte_buffer many;
+    for (int i = 0; i < 401; ++i)
+        many.insert(many.end(), fixed.begin(), fixed.end());
+    ASSERT_EQ(many.size() % AIC_RECORD_SIZE, 0u);
+    EXPECT_EQ(read_records("many", many).size(), 401u);
+
+    write_file(path("a.aic"), fixed);
+    byte_buffer whole = fixed;
+    whole.resize(AIC_RECORD_SIZE);
+    write_file(path("whole.aic"), whole);
+    EXPECT_EQ(run("diff a.aic whole.aic").code, 0);
+    fixed[190] = 1; // between two blocks
+    write_file(path("b.aic"), fixed);
+    const result found = run("diff a.aic b.aic");
+    EXPECT_EQ(found.code, 1);
+    EXPECT_TRUE(contains(found.out, "byte[190]                    0 -> 1")) << found.out;
 }
 
 TEST_F(compare_program, dumps_cut_anywhere_are_refused_with_an_offset)

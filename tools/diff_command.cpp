@@ -22,7 +22,7 @@ constexpr size_t short_list = 8;
 struct compared_file {
     std::string name;
     std::string_view kind;
-    byte_buffer bytes; // of records and tunings
+    byte_buffer bytes; // of records and tunings, without what no record uses
     std::vector<file_part> parts;
 };
 
@@ -46,13 +46,23 @@ bool is_scene(const std::string &name, byte_view bytes)
     return read_document(name, text).find("frames").has_value();
 }
 
+byte_buffer used_bytes(const std::vector<record_snapshot> &records)
+{
+    byte_buffer bytes;
+    for (const record_snapshot &each : records) {
+        const auto *const start = reinterpret_cast<const uint8_t *>(&each.record);
+        bytes.insert(bytes.end(), start, start + each.bytes_used);
+    }
+    return bytes;
+}
+
 compared_file read_compared(const std::string &file)
 {
     const std::string name = input_name(file);
     byte_buffer bytes = read_file(file);
     if (is_record_dump(bytes)) {
-        std::vector<file_part> parts = record_parts(read_records(name, bytes));
-        return {name, "a record dump", std::move(bytes), std::move(parts)};
+        const std::vector<record_snapshot> records = read_records(name, bytes);
+        return {name, "a record dump", used_bytes(records), record_parts(records)};
     }
     if (!is_container(bytes) && is_scene(name, bytes)) {
         const scene read = read_scene(name, {reinterpret_cast<const char *>(bytes.data()), bytes.size()});
@@ -114,6 +124,30 @@ std::vector<part_difference> compare_parts(const std::vector<file_part> &a, cons
             differences.push_back({part.name, "B", compare_values({}, part)});
     }
     return differences;
+}
+
+std::string json_quoted(std::string_view text)
+{
+    return fmt::format("\"{}\"", text);
+}
+
+// Of files whose values are the same and whose bytes are not: parts in another order, or bytes that no value shows.
+part_difference hidden_difference(const compared_file &a, const compared_file &b)
+{
+    const auto [part_a, part_b] = std::ranges::mismatch(a.parts, b.parts, {}, &file_part::name, &file_part::name);
+    if (part_a != a.parts.end() && part_b != b.parts.end())
+        return {"order",
+                "",
+                {{"part", fmt::format("[{}]", part_a - a.parts.begin()), json_quoted(part_a->name),
+                  json_quoted(part_b->name)}}};
+    const auto [byte_a, byte_b] = std::ranges::mismatch(a.bytes, b.bytes);
+    const auto value = [](auto byte, auto end) {
+        return byte != end ? std::optional(std::to_string(*byte)) : std::optional<std::string>();
+    };
+    return {"bytes without a name",
+            "",
+            {{"byte", fmt::format("[{}]", byte_a - a.bytes.begin()), value(byte_a, a.bytes.end()),
+              value(byte_b, b.bytes.end())}}};
 }
 
 std::string value_text(const std::optional<std::string> &value)
@@ -184,7 +218,7 @@ int compare(const diff_options &options)
         throw usage_error(fmt::format("{}: found {}, expected {} as in {}", b.name, b.kind, a.kind, a.name));
     std::vector<part_difference> differences = compare_parts(a.parts, b.parts);
     if (differences.empty() && a.bytes != b.bytes)
-        differences.push_back({"order", "", {{"records", "", "\"in one order\"", "\"in another\""}}});
+        differences.push_back(hidden_difference(a, b));
     write_text("-", options.as_json ? differences_json(differences)
                                     : differences_text(differences, a.parts.size(), options.all));
     return differences.empty() ? exit_success : exit_different;
@@ -197,6 +231,8 @@ int diff(const diff_options &options)
     // 1 is an answer here, so that every error gives 2.
     try {
         return compare(options);
+    } catch (const closed_pipe &) {
+        throw;
     } catch (const std::exception &error) {
         throw usage_error(error.what());
     }

@@ -18,9 +18,7 @@ constexpr size_t rows_at = offsetof(aic_lens_shading_block, payload.rows);
 
 class dump_reader {
   public:
-    dump_reader(const std::string &file, byte_view bytes)
-        : file_(file), bytes_(bytes), whole_(bytes.size() % AIC_RECORD_SIZE == 0)
-    {}
+    dump_reader(const std::string &file, byte_view bytes) : file_(file), bytes_(bytes), whole_(holds_whole_records()) {}
 
     std::vector<record_snapshot> read()
     {
@@ -31,6 +29,15 @@ class dump_reader {
     }
 
   private:
+    // Records of their bytes in use may add up to the size of whole ones, but one follows where the first ends.
+    bool holds_whole_records() const
+    {
+        if (bytes_.size() % AIC_RECORD_SIZE != 0 || bytes_.empty())
+            return false;
+        const size_t used = AIC_FIXED_SIZE + shading_size(AIC_FIXED_SIZE);
+        return !is_record_dump(bytes_.subspan(used));
+    }
+
     size_t step(const record_snapshot &record) const { return whole_ ? AIC_RECORD_SIZE : record.bytes_used; }
 
     record_snapshot read_record(size_t start) const
@@ -73,8 +80,18 @@ class dump_reader {
                              fmt::format("a multiple of 8 up to {} for block {} ({})", std::min<size_t>(rest, largest),
                                          block.id, block.name));
         if (size >= AIC_LENS_SHADING_TABLES_OFFSET)
-            expect_header(offset, block, header_size + 8 * word(offset + columns_at) * word(offset + rows_at));
+            expect_entries(offset, (size - header_size) / 8);
         return size;
+    }
+
+    void expect_entries(size_t offset, uint32_t entries) const
+    {
+        const auto columns = word(offset + columns_at);
+        const auto rows = word(offset + rows_at);
+        if (uint64_t{columns} * rows != entries)
+            throw file_error(file_, fmt::format("offset {}", offset + columns_at),
+                             fmt::format("{} columns and {} rows", columns, rows),
+                             fmt::format("{} entries, as the size of the block tells", entries));
     }
 
     uint32_t word(size_t offset) const { return read_le<uint32_t>(bytes_, offset); }

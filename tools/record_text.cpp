@@ -93,7 +93,7 @@ std::string frames_text(const std::vector<computed_frame> &frames, bool all)
     std::string text;
     for (const computed_frame &frame : frames) {
         text += fmt::format("{}frame {}{}: {} bytes in use\n\n", text.empty() ? "" : "\n", frame.index,
-                            frame.name.empty() ? "" : fmt::format(" \"{}\"", frame.name), frame.snapshot.bytes_used);
+                            frame.name.empty() ? "" : fmt::format(" {:?}", frame.name), frame.snapshot.bytes_used);
         text += record_text(frame.snapshot, frame.origin, all);
     }
     return text;

@@ -1,10 +1,12 @@
 #include <algorithm>
 #include <cmath>
+#include <nlohmann/json.hpp>
 
 #include <fmt/format.h>
 
 #include "file_values.h"
 #include "frame_fields.h"
+#include "json.h"
 
 namespace qz::tool {
 
@@ -49,7 +51,7 @@ void add_number(std::string_view field, uint64_t number, file_part &part)
 file_part frame_part(const frame_inputs &frame, size_t index)
 {
     file_part part = {fmt::format("frame {}", index), {}};
-    part.values.push_back({"name", "", fmt::format("{:?}", frame.name)});
+    part.values.push_back({"name", "", json(frame.name).dump()});
     for (const input_group &group : input_groups()) {
         if (const void *record = group.find(frame))
             add_fields(group.path, group.fields, record, part);

@@ -126,6 +126,9 @@ void read_list(const range_option &option, std::string_view values, sweep_range 
         end = values.find(',', start);
         const std::string_view text = values.substr(start, end - start);
         const std::optional<double> word = range.name == "effects" ? effects_word(text) : std::optional<double>();
+        if (range.name == "effects" && !word && text.find_first_not_of("0123456789") != std::string_view::npos)
+            option.fail(fmt::format("\"{}\"", text),
+                        fmt::format("a flag word, or names joined with + of {}", fmt::join(effect_names, ", ")));
         const double value = word ? *word : option.value(text, allowed);
         if (std::ranges::find(range.list, value) != range.list.end())
             option.fail(fmt::format("{} twice", text), "every value once");

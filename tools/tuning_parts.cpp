@@ -10,8 +10,22 @@ namespace qz::tool {
 
 namespace {
 
+// Bytes are hexadecimal digits, which compare by runs of so many bytes.
+constexpr size_t run_length = 16;
+
+void add_bytes(const std::string &digits, const std::string &field, std::vector<placed_value> &values)
+{
+    for (size_t start = 0; start < digits.size(); start += 2 * run_length)
+        values.push_back(
+            {field, fmt::format("[{}]", start / 2), fmt::format("\"{}\"", digits.substr(start, 2 * run_length))});
+}
+
 void flatten(const json &value, const std::string &field, const std::string &index, std::vector<placed_value> &values)
 {
+    if (field == "bytes" || field == "trailing") {
+        add_bytes(value.get<std::string>(), field, values);
+        return;
+    }
     if (!value.is_structured()) {
         values.push_back({field, index, value.dump()});
         return;
