@@ -88,7 +88,7 @@ uint32_t qz_isp_2_7_statistics_convert(isp_context *context, const isp_stats *st
     const auto height = static_cast<uint16_t>(stats->height);
     const uint32_t cells = uint32_t{width} * height;
     qz::cell_scale scale = {};
-    if (cells > context->grid_capacity || (cells > 0 && stats->cells == nullptr) || !qz::scale_of(*stats, scale))
+    if (cells > context->grid_capacity || (cells > 0 && (stats->cells == nullptr || !qz::scale_of(*stats, scale))))
         return ISP_INVALID_DATA;
 
     rgbs_grid->width = af_grid->width = width;

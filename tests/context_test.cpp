@@ -226,7 +226,7 @@ TEST(statistics, what_cannot_be_converted_writes_nothing)
     EXPECT_EQ(qz_isp_2_7_statistics_convert(&bare, &good, &rgbs, &af), ISP_INVALID_DATA);
     EXPECT_EQ(qz_isp_2_7_statistics_convert(context.get(), &good, &rgbs, &af), ISP_SUCCESS);
     EXPECT_EQ(rgbs->width, 1);
-    const isp_stats empty = stats_of(0, 4, 2, 10, nullptr);
+    const isp_stats empty = stats_of(0, 4, 0, 0, nullptr); // no cell to scale
     EXPECT_EQ(qz_isp_2_7_statistics_convert(context.get(), &empty, &rgbs, &af), ISP_SUCCESS);
     EXPECT_EQ(af->height, 4);
 }

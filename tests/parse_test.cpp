@@ -198,6 +198,24 @@ TEST(parse, set_containers_grow_the_sets_and_keep_what_was_filed)
     EXPECT_EQ(result.set(0, 2).xnr.record, nullptr);
 }
 
+TEST(parse, set_arrays_lie_end_to_end_however_they_grew)
+{
+    bytes ascending;
+    for (uint16_t index = 1; index <= 700; ++index) // records in sets 0, 1 and 2
+        ascending = test::join(
+            {ascending,
+             test::set_container(index, test::record(static_cast<uint16_t>(335 + 64 * (index % 3)), bytes(4)))});
+    container one({ascending});
+    const parsed result(one.blob());
+    ASSERT_EQ(result.context.set_count, 701);
+    for (const int which : {1, 2})
+        EXPECT_EQ(result.context.tuning_sets[which], result.context.tuning_sets[0] + 701 * which);
+    constexpr int set_of_group[] = {0, 2, 1};
+    for (int index = 1; index <= 700; ++index)
+        for (int group = 0; group < 3; ++group)
+            EXPECT_EQ(result.set(set_of_group[group], index).xnr.record != nullptr, index % 3 == group) << index;
+}
+
 TEST(parse, deep_nesting_costs_no_stack)
 {
     // Every level is followed by a record, so that each has to be remembered.
@@ -233,6 +251,12 @@ TEST(parse, rule_record_is_referred_to_in_place)
     const parsed wrapped(two.blob());
     EXPECT_NE(wrapped.context.rules.record, nullptr);
     EXPECT_EQ(wrapped.context.rules.first_rule, nullptr);
+
+    // The rules of one container are not those of the next.
+    parsed again(one.blob());
+    container without({});
+    EXPECT_EQ(isp_parse(without.blob(), &again.context), ISP_SUCCESS);
+    EXPECT_EQ(again.context.rules.record, nullptr);
 }
 
 bytes varied_records()

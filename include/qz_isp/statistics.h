@@ -66,7 +66,8 @@ typedef struct af_grid_desc {
  * @param rgbs    receives the address of the RGBS descriptor
  * @param af      receives the address of the AF descriptor
  * @return 0; 8 with nothing written when an argument, a descriptor or the cell array is null, the grid has more cells
- * than the context was made for, or bit_depth + 2e - 8 lies outside 1 to 31
+ * than the context was made for, or bit_depth + 2e - 8 lies outside 1 to 31; a grid without cells needs neither array
+ * nor bits
  */
 QZ_ISP_API uint32_t qz_isp_2_7_statistics_convert(struct isp_context *context, const isp_stats *stats,
                                                   const rgbs_grid_desc **rgbs, const af_grid_desc **af);
