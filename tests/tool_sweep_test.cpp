@@ -96,7 +96,7 @@ TEST(sweep_ranges, say_what_is_wrong_with_them)
         {{"gain=2..1"}, "found 2 before 1, expected the lower end first"},
         {{"gain=0..1:1e-12"}, "values, expected at most 4294967296"},
         {{"nr_mode=1,2,1"}, "found 1 twice, expected every value once"},
-        {{"effects=warm_grey+"}, "found \"warm_grey+\", expected an integer"},
+        {{"effects=warm_grey+"}, "found \"warm_grey+\", expected a flag word, or names joined with + of macc_1, "},
         {{"gain=1", "exposure.digital_gain=2"}, "found the input that gain sets already"},
         {{"exposure.digital_gain=2", "gain=1"}, "found the input that exposure.digital_gain sets already"},
         {{"nr_mode=0..4294967295", "effects=0..4294967295"}, "found more than 2^64 rows"},
