@@ -163,17 +163,6 @@ TEST(allocation_faults, one_block_for_the_context_one_for_the_sets_and_one_a_rec
     EXPECT_EQ(faults::live_blocks(), 0);
 }
 
-TEST(allocation_faults, are_few_however_many_set_indices_ascend)
-{
-    test::bytes ascending;
-    for (uint16_t index = 1; index <= 1023; ++index)
-        ascending = test::join({ascending, test::set_container(index, {})});
-    inputs in(ascending);
-    faults::fail_allocation(faults::never);
-    qz_isp_2_7_deinit(in.init());
-    EXPECT_LT(faults::allocations(), 20); // their room doubles
-}
-
 TEST(allocation_faults, of_init_leave_nothing_behind)
 {
     // Nested beyond what the walk keeps without the heap.

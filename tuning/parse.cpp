@@ -18,7 +18,6 @@ constexpr char tag[4] = {'V', 'U', 'X', 'B'};
 constexpr uint32_t record_header_size = 8;
 constexpr uint32_t rule_record_id = 709;
 constexpr uint32_t set_container_base = 64512; // id less base = set index
-constexpr size_t max_sets = 65536 - set_container_base;
 
 // Records back to back; a rest of up to a record header's size is ignored.
 struct record_list {
@@ -82,44 +81,23 @@ class walk_stack {
     size_t capacity_ = few;
 };
 
-// Gives each of the three arrays room for that many sets; the sets there are keep their records.
-bool move_sets(isp_context &context, size_t room)
+// Makes room for set indices below count; the sets there are keep their records.
+bool grow_sets(isp_context &context, int32_t count)
 {
-    auto *block = static_cast<isp_tuning_set *>(std::calloc(3 * room, sizeof(isp_tuning_set)));
+    const auto sets = static_cast<size_t>(count);
+    auto *block = static_cast<isp_tuning_set *>(std::calloc(3 * sets, sizeof(isp_tuning_set)));
     if (block == nullptr)
         return false;
     isp_tuning_set *old_block = context.tuning_sets[0];
     for (size_t i = 0; i < 3; ++i) {
-        isp_tuning_set *moved = block + i * room;
+        isp_tuning_set *grown = block + i * sets;
         if (context.set_count > 0)
-            std::copy_n(context.tuning_sets[i], context.set_count, moved);
-        context.tuning_sets[i] = moved;
+            std::copy_n(context.tuning_sets[i], context.set_count, grown);
+        context.tuning_sets[i] = grown;
     }
     std::free(old_block);
-    return true;
-}
-
-// Makes room for set indices below count. It at least doubles where it has to grow: a container that names ever higher
-// indices must not have all sets copied every time.
-bool grow_sets(isp_context &context, int32_t count)
-{
-    const auto needed = static_cast<size_t>(count);
-    const auto room = static_cast<size_t>(context.tuning_sets[1] - context.tuning_sets[0]);
-    if (needed > room && !move_sets(context, std::max(needed, std::min(2 * room, max_sets))))
-        return false;
     context.set_count = count;
     return true;
-}
-
-// Moves the arrays together: each begins where the sets of the one before it end.
-void close_gaps(isp_context &context)
-{
-    const auto sets = static_cast<size_t>(context.set_count);
-    for (size_t i = 1; i < 3; ++i) {
-        isp_tuning_set *closed = context.tuning_sets[0] + i * sets;
-        std::memmove(closed, context.tuning_sets[i], sets * sizeof *closed);
-        context.tuning_sets[i] = closed;
-    }
 }
 
 // Finds the records inside a set container; false when it is tagged but too short for the header that the tag opens.
@@ -241,16 +219,13 @@ uint32_t isp_parse(const isp_blob *container, isp_context *context)
         !qz_mkn_is_valid(container, tag_value))
         return ISP_INVALID_ARGUMENT;
     isp_parse_deinit(context);
-    context->rules = {}; // they may lie in another container
     if (!qz::grow_sets(*context, 1))
         return ISP_OUT_OF_MEMORY;
 
     const auto *bytes = static_cast<const uint8_t *>(container->data);
     const uint32_t status =
         qz::parse_records({bytes + QZ_MKN_HEADER_SIZE, container->size - QZ_MKN_HEADER_SIZE}, *context);
-    if (status == ISP_SUCCESS)
-        qz::close_gaps(*context);
-    else
+    if (status != ISP_SUCCESS)
         isp_parse_deinit(context);
     return status;
 }
