@@ -62,8 +62,8 @@ void add_run(CLI::App &app, chosen_command &chosen)
         ->excludes("--raw")
         ->excludes(makernote);
     command->footer("FILE may be - for standard input or output.\n\n"
-                    "Example: the gain-dependent blocks of a scene of your own\n"
-                    "  qz-isp run --tuning sensor.vuxb --scene night.json --frame 0");
+                    "Example: why the first frame of a scene of your own has its values\n"
+                    "  qz-isp run --tuning sensor.vuxb --scene night.json --frame 0 --explain");
     on_choice(*command, chosen, options, run);
 }
 

@@ -28,7 +28,9 @@ void add_gain(const frame_inputs &inputs, frame_origin &frame)
     const float gain = digital * analog * 256.0f;
     const float low_bits = std::fmod(gain, 65536.0f);
     frame.gain = std::isfinite(low_bits) ? static_cast<uint32_t>(low_bits) : 0;
-    if (gain >= 65536.0f)
+    if (std::isinf(gain))
+        frame.gain_why = "the product of the frame's gains is infinite";
+    else if (gain >= 65536.0f)
         frame.gain_why = fmt::format("the low 16 bits of {:.0f}", gain);
 }
 
@@ -158,7 +160,7 @@ class explainer {
         const record_rows rows = rows_of(*result.record);
         if (rows.count > 0) {
             result.rows = around(rows);
-            if (wraps(rows, *result.rows, result.record->kind->row))
+            if (wraps(*result.record, *result.rows))
                 add_note("a value wraps round, as difference x distance of the rows has over 32 bits", result);
             if (result.record->kind->shape == record_shape::fringe)
                 add_fringe_tail(result);
@@ -217,21 +219,15 @@ class explainer {
     }
 
     // Whether a value lies elsewhere than its row weights tell, for want of bits.
-    bool wraps(const record_rows &rows, const row_origin &between, std::span<const element_run> row) const
+    bool wraps(const selected_record &record, const row_origin &between) const
     {
         constexpr double too_large = 2147483648.0;
+        const std::vector<int32_t> from = row_values(record, between.lower);
+        const std::vector<int32_t> to = row_values(record, between.upper);
         const auto distance = static_cast<double>(frame_.gain - between.lower_key);
         bool found = static_cast<double>(between.upper_key - between.lower_key) >= too_large;
-        size_t offset = 0;
-        for (const element_run &part : row) {
-            const field column = {"", part.type, part.count, 1, 0, true};
-            for (size_t i = offset == 0 ? 1 : 0; i < part.count; ++i) { // the key comes first
-                const int64_t from = integer_at(column, rows.bytes + between.lower * rows.size + offset, i);
-                const int64_t to = integer_at(column, rows.bytes + between.upper * rows.size + offset, i);
-                found |= std::abs(static_cast<double>(to - from) * distance) >= too_large;
-            }
-            offset += part.count * element_size(part.type);
-        }
+        for (size_t i = 1; i < from.size(); ++i) // the key comes first
+            found |= std::abs(static_cast<double>(int64_t{to[i]} - from[i]) * distance) >= too_large;
         return found && between.lower_key != between.upper_key;
     }
 

@@ -24,13 +24,8 @@ class gain_table {
         rows_ = static_cast<int32_t>(rows.count);
         for (size_t row = 0; row < rows.count; ++row) {
             keys_.push_back(rows.key(row));
-            const uint8_t *bytes = rows.bytes + row * rows.size;
-            for (const element_run &part : record.kind->row) {
-                const field described = {"", part.type, part.count, 1, 0, true};
-                for (size_t i = 0; i < part.count; ++i)
-                    words_.push_back(static_cast<int32_t>(integer_at(described, bytes, i)));
-                bytes += part.count * element_size(part.type);
-            }
+            const std::vector<int32_t> values = row_values(record, row);
+            words_.insert(words_.end(), values.begin(), values.end());
         }
         columns_ = rows_ != 0 ? static_cast<int32_t>(words_.size()) / rows_ - 1 : 0;
     }

@@ -185,4 +185,18 @@ record_rows rows_of(const selected_record &record)
     return rows;
 }
 
+std::vector<int32_t> row_values(const selected_record &record, size_t row)
+{
+    const record_rows rows = rows_of(record);
+    const uint8_t *bytes = rows.bytes + row * rows.size;
+    std::vector<int32_t> values;
+    for (const element_run &part : record.kind->row) {
+        const field described = {"", part.type, part.count, 1, 0, true};
+        for (size_t i = 0; i < part.count; ++i)
+            values.push_back(static_cast<int32_t>(integer_at(described, bytes, i)));
+        bytes += part.count * element_size(part.type);
+    }
+    return values;
+}
+
 } // namespace qz::tool

@@ -66,5 +66,7 @@ struct record_rows {
     int64_t key(size_t row) const;
 };
 record_rows rows_of(const selected_record &record);
+// A row's key and values.
+std::vector<int32_t> row_values(const selected_record &record, size_t row);
 
 } // namespace qz::tool
