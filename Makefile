@@ -55,7 +55,7 @@ check:
 	$(MAKE) --no-print-directory check-format check-tidy check-cppcheck
 
 check-format:
-	clang-format --dry-run -Werror $(SOURCES)
+	clang-format --dry-run -Werror $(or $(SOURCES),$(error git lists no sources here))
 
 check-tidy:
 	cmake --preset native -DQZ_ISP_EXAMPLES=ON > /dev/null

@@ -6,7 +6,7 @@ set -euo pipefail
 
 run="g++ make cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev"
 test="$run g++-multilib qemu-user googletest pkgconf"
-check="$test clang-format clang-tidy cppcheck"
+check="$test git clang-format clang-tidy cppcheck"
 bench="$run libbenchmark-dev libeigen3-dev libopencv-core-dev libopencv-imgproc-dev libopenblas-dev libyuv-dev
        libxxhash-dev"
 fuzz="$run clang libclang-rt-14-dev llvm"

@@ -1,7 +1,6 @@
 // A tuning set as a row of pointer-wide slots, for what treats all groups alike: replacing, merging and freeing.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -26,7 +25,7 @@ struct slot_group {
     }
 
 // Every group that holds a record; rec_1 comes first because a selected set leaves it out.
-inline constexpr std::array slot_groups = {
+inline constexpr slot_group slot_groups[] = {
     QZ_SLOT_GROUP(rec_1),
     QZ_SLOT_GROUP(rec_2),
     QZ_SLOT_GROUP(rec_3),

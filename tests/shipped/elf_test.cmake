@@ -1,9 +1,11 @@
 # Looks at a built file as the loader will: what it links to and how it is hardened.
 #
-#   cmake -DREADELF=readelf -DFILE=file [-DNEEDED=libraries] [-DSONAME=name] [-DCALLS=functions] -P elf_test.cmake
+#   cmake -DREADELF=readelf -DFILE=file [-DNEEDED=libraries] [-DSONAME=name] [-DCALLS=functions] [-DCONSTANT=ON]
+#         -P elf_test.cmake
 #
 # NEEDED   every library that the file may link to, and has to
 # CALLS    functions that it calls, each because a protection is compiled in
+# CONSTANT all its data of its own is read-only
 cmake_minimum_required(VERSION 3.25)
 
 function(read result)
@@ -47,6 +49,15 @@ endif()
 foreach(function IN LISTS CALLS)
   expect("${symbols}" " UND ${function}(@|\n| )" "a call of ${function}")
 endforeach()
+
+if(CONSTANT)
+  read(sections --sections)
+  read(symbols --syms)
+  string(REGEX MATCHALL "\\[ *[0-9]+\\] \\.(data|bss)" writable "${sections}")
+  list(TRANSFORM writable REPLACE ".*\\[ *([0-9]+)\\].*" "\\1")
+  list(JOIN writable "|" writable)
+  expect_not("${symbols}" " OBJECT [^\n]* (${writable}) _Z" "data that can be written")
+endif()
 
 if(DEFINED SONAME)
   expect("${dynamic}" "soname: \\[${SONAME}\\]" "the name ${SONAME}")
