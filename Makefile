@@ -97,6 +97,7 @@ coverage:
 
 docs:
 	scripts/install-deps.sh docs
+	mkdir -p build
 	doxygen docs/Doxyfile
 
 package: package-native package-x86
