@@ -39,7 +39,7 @@ typedef struct isp_context {
  * Logs the version, copies the characterisation record, appends the version record to the makernote and parses the
  * container.
  *
- * @param container   tuning container; its bytes must outlive the context
+ * @param container   tuning container; its bytes must outlive the context and stay as they are
  * @param grid_width  width in cells of the largest statistics grid to convert
  * @param grid_height its height
  * @param cmc         camera-module characterisation, or null; need not outlive the call

@@ -97,7 +97,7 @@ typedef struct isp_sensor_description {
     uint32_t unused[2]; /**< Not read. */
     uint16_t width;     /**< Pixel array width. */
     uint16_t height;    /**< Pixel array height. */
-    uint16_t bit_depth; /**< Bits per raw sample, 1 to 31. */
+    uint16_t bit_depth; /**< Bits per raw sample, 1 to 31; with others the description counts as missing. */
     uint16_t unused_2;  /**< Not read. */
 } isp_sensor_description;
 
@@ -120,7 +120,7 @@ typedef struct isp_cmc {
  * Walks a tuning container and files a private copy of every record it keeps in the context's tuning sets.
  *
  * Called once per context, on one without tuning sets. On failure everything is released again. The selection rule
- * record is not copied: the container must outlive the context.
+ * record is not copied: the container must outlive the context and stay as it is.
  *
  * @return 0; 32 when the container's header is invalid; 8 when a record is malformed or unknown to the 320 family; 4
  *         when memory runs out
