@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "util/float_to_int.h"
+#include "util/gain_bracket.h"
 
 void compute_generic_params(uint16_t gain, const int32_t *table, int32_t values_per_row, int32_t row_count,
                             uint32_t *out)
@@ -14,20 +15,11 @@ void compute_generic_params(uint16_t gain, const int32_t *table, int32_t values_
 
     const int32_t key_at = gain;
     const auto row_words = static_cast<ptrdiff_t>(values_per_row) + 1;
-    const int32_t *lower = nullptr;
-    const int32_t *upper = nullptr;
-    const int32_t *row = table;
-    for (int32_t i = 0; i < row_count; ++i, row += row_words) {
-        if (*row <= key_at && (lower == nullptr || *row > *lower))
-            lower = row;
-        if (*row >= key_at && (upper == nullptr || *row < *upper))
-            upper = row;
-    }
-    if (lower == nullptr)
-        lower = upper;
-    if (upper == nullptr)
-        upper = lower;
-
+    const auto row = [&](size_t number) { return table + static_cast<ptrdiff_t>(number) * row_words; };
+    const auto around =
+        qz::rows_around(key_at, static_cast<size_t>(row_count), [&](size_t number) { return *row(number); });
+    const int32_t *lower = row(around.lower);
+    const int32_t *upper = row(around.upper);
     for (ptrdiff_t j = 1; j < row_words; ++j)
         *out++ = static_cast<uint32_t>(interpolate_linear(*lower, *upper, lower[j], upper[j], key_at));
 }

@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "util/matrix_view.h"
-#include "util/vectors.h"
+#include "util/matrix/matrix_view.h"
+#include "util/simd/vectors.h"
 
 namespace qz {
 
@@ -63,11 +63,11 @@ QZ_ALWAYS_INLINE void transpose_wide(const unsigned char *from, ptrdiff_t from_s
         for (int j = 0; j < block_size / Lanes; ++j) {
             vec<Lanes> row[Lanes];
             for (int r = 0; r < Lanes; ++r)
-                load<Lanes>(row[r], from + std::min(j * Lanes + r, rows - 1) * from_stride + i * step);
+                load(row[r], from + std::min(j * Lanes + r, rows - 1) * from_stride + i * step);
             transpose_square<Lanes>(row);
             for (int c = 0; c < Lanes; ++c)
                 if (i * Lanes + c < columns)
-                    store<Lanes>(to + (i * Lanes + c) * to_stride + j * step, row[c]);
+                    store(to + (i * Lanes + c) * to_stride + j * step, row[c]);
         }
     }
 }
@@ -108,11 +108,11 @@ QZ_ALWAYS_INLINE void accumulate_part(unsigned char *c, ptrdiff_t c_stride, cons
     if (!from_zero)
         for (int r = 0; r < Rows; ++r)
             for (int v = 0; v < Vectors; ++v)
-                load<Lanes>(sum[r][v], c + r * c_stride + v * step);
+                load(sum[r][v], c + r * c_stride + v * step);
     for (int k = 0; k < count; ++k, a += block_size, b += b_stride) {
         for (int v = 0; v < Vectors; ++v) {
             vec<Lanes> terms;
-            load<Lanes>(terms, b + v * step);
+            load(terms, b + v * step);
             for (int r = 0; r < Rows; ++r) {
                 if constexpr (Sign == sign::plus)
                     sum[r][v] += a[r] * terms;
@@ -123,7 +123,7 @@ QZ_ALWAYS_INLINE void accumulate_part(unsigned char *c, ptrdiff_t c_stride, cons
     }
     for (int r = 0; r < Rows; ++r)
         for (int v = 0; v < Vectors; ++v)
-            store<Lanes>(c + r * c_stride + v * step, sum[r][v]);
+            store(c + r * c_stride + v * step, sum[r][v]);
 }
 
 // The same for the first rows of a whole block, in parts whose sums fit the registers.

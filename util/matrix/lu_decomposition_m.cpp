@@ -2,8 +2,8 @@
 
 #include "qz_isp/error.h"
 #include "qz_isp/matrix.h"
-#include "util/block.h"
-#include "util/transpose.h"
+#include "util/matrix/block.h"
+#include "util/matrix/transpose.h"
 
 namespace {
 
@@ -68,14 +68,14 @@ QZ_ALWAYS_INLINE void factorise_block(qz::block &columns)
             qz::int_vec<Lanes> below;
             memcpy(&below, &last_lanes.mask[block_size - 1 - k + part], sizeof below);
             qz::vec<Lanes> multipliers;
-            qz::load<Lanes>(multipliers, &columns.row[k][part]);
+            qz::load(multipliers, &columns.row[k][part]);
             qz::select<Lanes>(multipliers, below, multipliers / pivot, multipliers);
-            qz::store<Lanes>(&columns.row[k][part], multipliers);
+            qz::store(&columns.row[k][part], multipliers);
             for (int c = k + 1; c < block_size; ++c) {
                 qz::vec<Lanes> column;
-                qz::load<Lanes>(column, &columns.row[c][part]);
+                qz::load(column, &columns.row[c][part]);
                 qz::select<Lanes>(column, below, column - multipliers * columns.row[c][k], column);
-                qz::store<Lanes>(&columns.row[c][part], column);
+                qz::store(&columns.row[c][part], column);
             }
         }
     }
@@ -90,7 +90,7 @@ QZ_ALWAYS_INLINE void substitute(unsigned char *rows, ptrdiff_t stride, const qz
         unsigned char *at = rows + part * dense;
         qz::vec<Lanes> row[block_size];
         for (int i = 0; i < block_size; ++i)
-            qz::load<Lanes>(row[i], at + i * stride);
+            qz::load(row[i], at + i * stride);
 #pragma GCC unroll 16
         for (int k = 0; k < block_size; ++k) {
             if constexpr (Divide)
@@ -100,7 +100,7 @@ QZ_ALWAYS_INLINE void substitute(unsigned char *rows, ptrdiff_t stride, const qz
                 row[i] -= row[k] * factors.row[i][k];
         }
         for (int i = 0; i < block_size; ++i)
-            qz::store<Lanes>(at + i * stride, row[i]);
+            qz::store(at + i * stride, row[i]);
     }
 }
 
@@ -158,7 +158,7 @@ struct factors {
 bool factorise_blocked(const factors &f)
 {
     const auto size = (static_cast<size_t>(f.n) + block_size - 1) / block_size * block_size;
-    auto *memory = static_cast<float *>(calloc(size, size * sizeof(float)));
+    auto *memory = static_cast<float *>(std::calloc(size, size * sizeof(float)));
     if (memory == nullptr)
         return false;
     for (auto k = static_cast<size_t>(f.n); k < size; ++k)
@@ -168,21 +168,21 @@ bool factorise_blocked(const factors &f)
     qz::copy(f.a, work, f.n, f.n);
     qz::run_widest(blocked_elimination{work, static_cast<int32_t>(size)});
     qz::copy(work, f.out, f.n, f.n);
-    free(memory);
+    std::free(memory);
     return true;
 }
 
 bool factorise_plain(const factors &f, uint32_t elements)
 {
     const size_t size = elements * sizeof(float);
-    void *memory = malloc(size);
+    void *memory = std::malloc(size);
     if (memory == nullptr)
         return false;
     memcpy(memory, f.a.data, size);
     const qz::target_view work = {static_cast<unsigned char *>(memory), f.a.row_stride, f.a.column_stride};
     for (int32_t k = 0; k < f.n; ++k)
         eliminate_plain(work, f.out, f.n, k);
-    free(memory);
+    std::free(memory);
     return true;
 }
 

@@ -3,7 +3,7 @@
 
 #include "qz_isp/error.h"
 #include "qz_isp/matrix.h"
-#include "util/block.h"
+#include "util/matrix/block.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "util/matrix_view.h"
+#include "util/matrix/matrix_view.h"
 
 namespace qz {
 

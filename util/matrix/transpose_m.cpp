@@ -2,8 +2,8 @@
 
 #include "qz_isp/error.h"
 #include "qz_isp/matrix.h"
-#include "util/block.h"
-#include "util/transpose.h"
+#include "util/matrix/block.h"
+#include "util/matrix/transpose.h"
 
 namespace qz {
 

@@ -1,9 +1,9 @@
 #include "qz_isp/nearest.h"
 
 #include "qz_isp/error.h"
-#include "util/nearest_index.h"
-#include "util/nearest_maximum.h"
-#include "util/nearest_pick.h"
+#include "util/nearest/nearest_index.h"
+#include "util/nearest/nearest_maximum.h"
+#include "util/nearest/nearest_pick.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
-#include "util/nearest_maximum.h"
+#include "util/nearest/nearest_maximum.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstring>
 
-#include "util/multiversion.h"
-#include "util/nearest_index.h"
+#include "util/nearest/nearest_index.h"
+#include "util/simd/dispatch.h"
 
 namespace qz {
 
@@ -21,9 +21,9 @@ struct span {
     uint32_t end;
 };
 
-class axis {
+class block_axis {
   public:
-    axis(uint16_t src_size, uint16_t dst_size) : rule_(src_size, dst_size) {}
+    block_axis(uint16_t src_size, uint16_t dst_size) : rule_(src_size, dst_size) {}
 
     span operator[](size_t output) const
     {
@@ -36,8 +36,8 @@ class axis {
 };
 
 // The largest element of each column over some rows, or 0.
-QZ_MULTIVERSION
-void column_maxima(const int32_t *src, size_t stride, size_t rows, size_t columns, int32_t *__restrict peaks)
+QZ_ALWAYS_INLINE void column_maxima(const int32_t *src, size_t stride, size_t rows, size_t columns,
+                                    int32_t *__restrict peaks)
 {
     for (size_t i = 0; i < columns; ++i)
         peaks[i] = std::max(src[i], 0);
@@ -49,8 +49,7 @@ void column_maxima(const int32_t *src, size_t stride, size_t rows, size_t column
 }
 
 // The largest element of rows of any width, or 0.
-QZ_MULTIVERSION
-int32_t block_maximum(const int32_t *src, size_t stride, size_t rows, size_t columns)
+QZ_ALWAYS_INLINE int32_t block_maximum(const int32_t *src, size_t stride, size_t rows, size_t columns)
 {
     int32_t peak = 0;
     for (size_t r = 0; r < rows; ++r, src += stride)
@@ -60,8 +59,7 @@ int32_t block_maximum(const int32_t *src, size_t stride, size_t rows, size_t col
 }
 
 // Turns peaks into the maxima of as many neighbours, beginning with the element itself; those at the end stay short.
-QZ_MULTIVERSION
-void widen(int32_t *peaks, size_t count, size_t width)
+QZ_ALWAYS_INLINE void widen(int32_t *peaks, size_t count, size_t width)
 {
     for (size_t reach = 1; reach < width;) {
         const size_t shift = std::min(reach, width - reach);
@@ -71,12 +69,13 @@ void widen(int32_t *peaks, size_t count, size_t width)
     }
 }
 
-// Neighbouring outputs of a row. A block is covered by windows as wide as the shortest block: the first at its begin,
-// the last at its end, and those between where it is more than twice as long.
+// Neighbouring outputs of a row, each the maximum of a block of columns. Blocks differ in width, so first the maxima of
+// all windows as wide as the shortest block are formed. Any block is covered by a window at its begin, one at its end,
+// and where it is more than twice as wide, further ones between these; they may overlap, a maximum does not mind.
 class tile {
   public:
     // As many outputs from the first as fit; more than most_sources columns only if the first needs them alone.
-    tile(const axis &across, size_t first, size_t dst_width) : first_(first), columns_(across[first])
+    tile(const block_axis &across, size_t first, size_t dst_width) : first_(first), columns_(across[first])
     {
         const size_t most = std::min(most_outputs, dst_width - first);
         for (; count_ < most; ++count_) {
@@ -108,10 +107,10 @@ class tile {
         src += columns_.begin;
         const size_t columns = columns_.end - columns_.begin;
         if (columns > most_sources) {
-            *dst = block_maximum(src, stride, rows, columns);
+            *dst = run_loop<block_maximum>(src, stride, rows, columns);
         } else {
-            column_maxima(src, stride, rows, columns, peaks_.data());
-            widen(peaks_.data(), columns, shortest_);
+            run_loop<column_maxima>(src, stride, rows, columns, peaks_.data());
+            run_loop<widen>(peaks_.data(), columns, shortest_);
             for (size_t i = 0; i < count_; ++i)
                 dst[i] = std::max(peaks_[blocks_[i].begin], peaks_[blocks_[i].end]);
             for (uint32_t offset = shortest_; offset + shortest_ < longest_; offset += shortest_)
@@ -133,8 +132,8 @@ class tile {
 
 void block_maxima(const int32_t *src, int32_t *dst, const scaling &size)
 {
-    const axis across(size.src_width, size.dst_width);
-    const axis down(size.src_height, size.dst_height);
+    const block_axis across(size.src_width, size.dst_width);
+    const block_axis down(size.src_height, size.dst_height);
     for (size_t first = 0; first < size.dst_width;) {
         tile outputs(across, first, size.dst_width);
         for (size_t r = 0; r < size.dst_height; ++r) {

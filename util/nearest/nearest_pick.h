@@ -7,7 +7,7 @@
 #include <cstring>
 #include <type_traits>
 
-#include "util/row_picker.h"
+#include "util/nearest/row_picker.h"
 
 namespace qz {
 

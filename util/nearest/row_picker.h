@@ -7,15 +7,12 @@
 #include <cstdint>
 #include <cstring>
 
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
-#define QZ_PICKS_BY_SHUFFLE 1
-#else
-#define QZ_PICKS_BY_SHUFFLE 0
-#endif
+#include "util/simd/vectors.h"
 
 namespace qz {
 
-// Lane: unsigned integer as wide as a result, which may be wider than a source element.
+// Lane: unsigned integer as wide as a result, which may be wider than a source element. At most so many indices are
+// taken at once.
 template <typename Lane>
 class row_picker {
   public:
@@ -27,13 +24,14 @@ class row_picker {
     {
         for (size_t i = 0; i < count; ++i)
             index_[i] = index_at(i);
-#if QZ_PICKS_BY_SHUFFLE
-        if (__builtin_cpu_supports("x86-64-v4") != 0 && !plan(lanes))
+#if QZ_WIDER_VECTORS
+        if (qz_vector_bits() == 512 && !plan(lanes))
             plan(lanes / 2);
 #endif
     }
 
-    // From a row of a dense table that has so many elements from there on. The next row is fetched meanwhile.
+    // From a row of a dense table. The table has so many elements from the row's first on: vectors may reach beyond the
+    // row, not beyond the table. What is picked from the next row is fetched into the cache meanwhile.
     template <typename T, typename Out>
     void pick(const T *row, size_t elements, const T *next_row, Out *out) const
     {
@@ -41,18 +39,7 @@ class row_picker {
             out[i] = row[index_[i]];
     }
 
-    // Each element and the one behind it.
-    template <typename T, typename Out>
-    void pick_pairs(const T *row, size_t elements, Out *left, Out *right) const
-    {
-        for (size_t i = pick_vectors<true>(row, elements, row, left, right); i < count_; ++i) {
-            const T *const pair = row + index_[i];
-            left[i] = pair[0];
-            right[i] = pair[1];
-        }
-    }
-
-    // The same times their weights, of which the left element's is 1 less the right one's.
+    // Each element and the one behind it, times their weights, of which the left one's is 1 less the right one's.
     void pick_weighted_pairs(const float *row, size_t elements, const float *right_weight, float *left,
                              float *right) const
     {
@@ -67,12 +54,12 @@ class row_picker {
     size_t count_;
     std::array<uint32_t, most> index_;
 
-#if QZ_PICKS_BY_SHUFFLE
+#if QZ_WIDER_VECTORS
     // Two vectors of a row hold what a vector of results needs, or four when the indices lie further apart, and one
     // instruction picks lanes from two vectors. Compilers make that of no loop, and the gathers they know are slower
     // than scalar loads.
-    typedef Lane vector __attribute__((vector_size(64)));
-    static constexpr size_t lanes = sizeof(vector) / sizeof(Lane);
+    static constexpr size_t lanes = 64 / sizeof(Lane);
+    using vector = vec_of<Lane, lanes>;
 
     size_t group_ = lanes;    // results from the same two vectors
     size_t reach_ = SIZE_MAX; // elements read of a row
@@ -107,23 +94,17 @@ class row_picker {
     }
 
     template <typename T>
-    __attribute__((target("arch=x86-64-v4"))) static vector load(const T *from)
+    QZ_ALWAYS_INLINE static void load_lanes(vector &v, const T *from)
     {
-        if constexpr (sizeof(T) == sizeof(Lane)) {
-            vector loaded;
-            memcpy(&loaded, from, sizeof loaded);
-            return loaded;
-        } else {
-            typedef T narrow_vector __attribute__((vector_size(lanes * sizeof(T))));
-            narrow_vector narrow;
-            memcpy(&narrow, from, sizeof narrow);
-            return __builtin_convertvector(narrow, vector);
-        }
+        if constexpr (sizeof(T) == sizeof(Lane))
+            load(v, from);
+        else
+            load_converted(v, from);
     }
 
     template <bool pairs, typename T, typename Out, typename... Weights>
-    __attribute__((target("arch=x86-64-v4"))) size_t shuffle(const T *row, const T *next_row, Out *left, Out *right,
-                                                             Weights... right_weight) const
+    [[gnu::target("arch=x86-64-v4")]] size_t shuffle(const T *row, const T *next_row, Out *left, Out *right,
+                                                     Weights... right_weight) const
     {
         static_assert(sizeof(Out) == sizeof(Lane));
         vector place;
@@ -138,29 +119,30 @@ class row_picker {
                 for (const size_t k : {i, i + lanes / 3, i + lanes * 2 / 3, i + lanes - 1})
                     __builtin_prefetch(next_row + index_[k]);
             vector lane;
-            memcpy(&lane, &lane_[i], sizeof lane);
+            load(lane, &lane_[i]);
             const T *from = row + *base++;
-            vector low = load(from);
-            vector high = load(from + lanes);
+            vector low;
+            vector high;
+            load_lanes(low, from);
+            load_lanes(high, from + lanes);
             vector picked = __builtin_shuffle(low, high, lane);
             vector behind = __builtin_shuffle(low, high, lane + 1);
             if (group_ != lanes) {
                 from = row + *base++;
-                low = load(from);
-                high = load(from + lanes);
+                load_lanes(low, from);
+                load_lanes(high, from + lanes);
                 picked = in_first_half ? picked : __builtin_shuffle(low, high, lane);
                 behind = in_first_half ? behind : __builtin_shuffle(low, high, lane + 1);
             }
             if constexpr (sizeof...(Weights) != 0) {
-                typedef float floats __attribute__((vector_size(64)));
-                floats weight;
-                memcpy(&weight, (right_weight, ...) + i, sizeof weight);
-                picked = (vector)((floats)picked * (1.0f - weight));
-                behind = (vector)((floats)behind * weight);
+                vec<lanes> weight;
+                load(weight, (right_weight, ...) + i);
+                picked = (vector)((vec<lanes>)picked * (1.0f - weight));
+                behind = (vector)((vec<lanes>)behind * weight);
             }
-            memcpy(left + i, &picked, sizeof picked);
+            store(left + i, picked);
             if constexpr (pairs)
-                memcpy(right + i, &behind, sizeof behind);
+                store(right + i, behind);
         }
         return i;
     }

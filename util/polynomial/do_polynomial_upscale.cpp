@@ -1,8 +1,8 @@
 #include <algorithm>
 
 #include "qz_isp/polynomial.h"
-#include "util/block.h"
-#include "util/polynomial_terms.h"
+#include "util/matrix/block.h"
+#include "util/polynomial/polynomial_terms.h"
 
 namespace {
 
@@ -58,13 +58,13 @@ struct column_group {
 
     QZ_ALWAYS_INLINE column_group(const column_terms &columns, int begin)
     {
-        qz::load<Lanes>(x, columns.x + begin);
-        qz::load<Lanes>(x2, columns.x2 + begin);
-        qz::load<Lanes>(x3, columns.x3 + begin);
-        qz::load<Lanes>(c1_c0, columns.c1_c0 + begin);
-        qz::load<Lanes>(c3, columns.c3 + begin);
-        qz::load<Lanes>(c6, columns.c6 + begin);
-        qz::load<Lanes>(c10, columns.c10 + begin);
+        qz::load(x, columns.x + begin);
+        qz::load(x2, columns.x2 + begin);
+        qz::load(x3, columns.x3 + begin);
+        qz::load(c1_c0, columns.c1_c0 + begin);
+        qz::load(c3, columns.c3 + begin);
+        qz::load(c6, columns.c6 + begin);
+        qz::load(c10, columns.c10 + begin);
     }
 
     // Each term is coefficient times monomial, the monomial a power of x times a power of y.
@@ -100,10 +100,10 @@ QZ_ALWAYS_INLINE void write_group(float *to, ptrdiff_t row_length, const column_
         qz::vec<Lanes> total;
         group.sum(total, rows[j], local.c);
         if (column_count == Lanes) {
-            qz::store<Lanes>(to, total);
+            qz::store(to, total);
         } else {
             float narrow[Lanes];
-            qz::store<Lanes>(narrow, total);
+            qz::store(narrow, total);
             std::copy_n(narrow, column_count, to);
         }
     }

@@ -3,8 +3,8 @@
 
 #include "qz_isp/error.h"
 #include "qz_isp/polynomial.h"
-#include "util/block.h"
-#include "util/polynomial_terms.h"
+#include "util/matrix/block.h"
+#include "util/polynomial/polynomial_terms.h"
 
 namespace {
 
@@ -54,15 +54,15 @@ struct projection {
                 std::fill_n(std::copy_n(row, count, part[k]), Lanes - count, 0.0f);
                 row = part[k];
             }
-            qz::load<Lanes>(square[k], row);
+            qz::load(square[k], row);
         }
         qz::transpose_square<Lanes>(square);
         for (int s = 0; s < Lanes; ++s)
-            qz::store<Lanes>(part[s], square[s]);
+            qz::store(part[s], square[s]);
         const float *const grid[channels] = {job.in[0] + p, job.in[1] + p, job.in[2] + p, job.in[3] + p};
         for (int s = 0; s < count; ++s) {
             qz::vec<Lanes> basis;
-            qz::load<Lanes>(basis, part[s]);
+            qz::load(basis, part[s]);
             for (int channel = 0; channel < channels; ++channel)
                 sum[channel] += basis * grid[channel][s];
         }
@@ -71,7 +71,7 @@ struct projection {
 
 float *zeroed_vectors(size_t count)
 {
-    return static_cast<float *>(calloc(count * terms, sizeof(float)));
+    return static_cast<float *>(std::calloc(count * terms, sizeof(float)));
 }
 
 void substitute_forward(const float *lu, const float *b, float *z)
@@ -112,7 +112,7 @@ int solve(const upscale &job, const float *b, float *c, int first, int last)
     }
     substitute_back(job.lu, z, c);
     for (float *vector : allocated)
-        free(vector);
+        std::free(vector);
     return channel;
 }
 
@@ -174,7 +174,7 @@ uint32_t lsc_polynomial_upscale_float(const float *basis_t, const float *lu, con
     float *c = zeroed_vectors(channels);
     const bool done =
         b != nullptr && c != nullptr && upscale_all({basis_t, lu, in, out, in_w, in_h, out_w, out_h}, b, c);
-    free(c);
-    free(b);
+    std::free(c);
+    std::free(b);
     return done ? ISP_SUCCESS : ISP_STEP_FAILED;
 }

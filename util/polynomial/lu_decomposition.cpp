@@ -4,8 +4,8 @@
 
 #include "qz_isp/error.h"
 #include "qz_isp/matrix.h"
-#include "util/polynomial_terms.h"
-#include "util/vectors.h"
+#include "util/polynomial/polynomial_terms.h"
+#include "util/simd/vectors.h"
 
 namespace {
 
@@ -71,7 +71,7 @@ struct design_matrix {
             memcpy(&of_y, y.of_term + k, sizeof of_y);
             of_x *= of_y;
             memcpy(&product, &of_x, sizeof product);
-            qz::store<Lanes>(to + k, __builtin_convertvector(product, qz::vec<Lanes>));
+            qz::store(to + k, __builtin_convertvector(product, qz::vec<Lanes>));
         }
     }
 };
@@ -83,7 +83,7 @@ uint32_t lu_decomposition(float *design, float *transposed, float *out, uint32_t
 {
     if (term_count != terms)
         return ISP_STEP_FAILED;
-    auto *normal = static_cast<float *>(malloc(sizeof(float) * terms * terms));
+    auto *normal = static_cast<float *>(std::malloc(sizeof(float) * terms * terms));
     if (normal == nullptr)
         return ISP_OUT_OF_MEMORY;
     const auto points = static_cast<int32_t>(static_cast<uint32_t>(width) * height);
@@ -93,6 +93,6 @@ uint32_t lu_decomposition(float *design, float *transposed, float *out, uint32_t
     failed |= mul_mm(transposed, line, float_size, points, terms, design, row_size, float_size, terms, points, normal,
                      row_size, float_size);
     failed |= lu_decomposition_m(normal, row_size, float_size, index, out, row_size, float_size, terms);
-    free(normal);
+    std::free(normal);
     return failed == ISP_SUCCESS ? ISP_SUCCESS : ISP_STEP_FAILED;
 }

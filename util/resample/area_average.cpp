@@ -4,13 +4,11 @@
 #include <span>
 
 #include "qz_isp/bicubic.h"
-#include "util/lanes.h"
-#include "util/multiversion.h"
-#include "util/p10.h"
+#include "qz_isp/error.h"
+#include "util/resample/p10.h"
+#include "util/simd/vectors.h"
 
 namespace {
-
-using qz::f32x4;
 
 // Source samples under one destination sample along one axis, counted from the region's origin.
 struct footprint {
@@ -30,7 +28,7 @@ struct footprint {
 };
 
 // One axis: step source samples a destination sample, and nothing beyond limit source samples.
-struct axis {
+struct footprint_axis {
     float step;
     float limit;
 
@@ -50,171 +48,236 @@ struct axis {
     }
 };
 
-// Four destination columns side by side, their samples taken in blocks of four source columns. Between a head and a
-// tail of weighted blocks all weights are 1.
+// Destination columns side by side, as many as a vector has lanes. Their samples are counted from each column's first
+// one: some have a weight, those from head to tail are all 1.
+template <int Lanes>
 struct column_group {
-    uint32_t first[4]; // source column, rising
-    uint32_t head;     // 0 or 1 blocks
-    uint32_t tail;     // first block of the tail, at most two
-    uint32_t blocks;
-    f32x4 head_weight[4];
-    f32x4 tail_weight[2][4];
+    uint32_t first[Lanes]; // source column, rising
+    uint32_t count;
+    uint32_t head; // 0 or 1 samples
+    uint32_t tail;
+    qz::vec<Lanes> head_weight;
+    qz::vec<Lanes> tail_weight[3];
+    qz::int_vec<Lanes> in_tail[3]; // mask of the columns that have the sample at all
 };
 
-struct sample_block {
-    f32x4 column[4];
-};
-
-[[gnu::always_inline]] inline sample_block inner_block(const float *row, const uint32_t *first)
+// Columns past dst_width repeat the last one. The numbers of whole samples under two columns differ by 2 at most, where
+// a step of nearly a whole number is rounded, and a last one may be there in part: a tail is no longer than 3 samples.
+template <int Lanes>
+void place_group(column_group<Lanes> &group, const footprint_axis &across, uint32_t origin, uint32_t column,
+                 uint32_t dst_width)
 {
-    f32x4 c0 = qz::load4(row + first[0]);
-    f32x4 c1 = qz::load4(row + first[1]);
-    f32x4 c2 = qz::load4(row + first[2]);
-    f32x4 c3 = qz::load4(row + first[3]);
-    qz::transpose4(c0, c1, c2, c3);
-    return {{c0, c1, c2, c3}};
-}
-
-// Samples of source columns beyond the last one are the last one's.
-[[gnu::noinline]] void edge_block(const float *row, uint32_t width, const uint32_t *first, uint32_t offset,
-                                  float *samples)
-{
-    for (uint32_t m = 0; m < 4; ++m)
-        for (uint32_t lane = 0; lane < 4; ++lane)
-            samples[4 * m + lane] = row[std::min(first[lane] + offset + m, width - 1)];
-}
-
-[[gnu::always_inline]] inline sample_block block_at(const float *row, uint32_t width, const column_group &group,
-                                                    uint32_t block)
-{
-    const uint32_t offset = 4 * block;
-    if (group.first[3] + offset + 4 <= width)
-        return inner_block(row + offset, group.first);
-    float samples[16];
-    edge_block(row, width, group.first, offset, samples);
-    return {{qz::load4(samples), qz::load4(samples + 4), qz::load4(samples + 8), qz::load4(samples + 12)}};
-}
-
-// A weight of 0 marks a sample that does not belong to the sum, even if it is not finite.
-[[gnu::always_inline]] inline f32x4 add_weighted(f32x4 sum, const f32x4 *weight, float row_weight,
-                                                 const sample_block &samples)
-{
-    for (uint32_t m = 0; m < 4; ++m) {
-        const f32x4 product = (weight[m] * row_weight) * samples.column[m];
-        sum += weight[m] > 0.0f ? product : f32x4{};
-    }
-    return sum;
-}
-
-[[gnu::always_inline]] inline f32x4 add_samples(f32x4 sum, const float *row, float row_weight, uint32_t width,
-                                                const column_group &group)
-{
-    if (group.head != 0)
-        sum = add_weighted(sum, group.head_weight, row_weight, block_at(row, width, group, 0));
-    uint32_t block = group.head;
-    for (; block < group.tail; ++block) {
-        const sample_block samples = inner_block(row + size_t{4} * block, group.first);
-        sum += row_weight * samples.column[0];
-        sum += row_weight * samples.column[1];
-        sum += row_weight * samples.column[2];
-        sum += row_weight * samples.column[3];
-    }
-    for (; block < group.blocks; ++block)
-        sum = add_weighted(sum, group.tail_weight[block - group.tail], row_weight, block_at(row, width, group, block));
-    return sum;
-}
-
-[[gnu::always_inline]] inline void add_row(f32x4 *sums, const float *row, float weight, uint32_t width,
-                                           std::span<const column_group> groups)
-{
-    if (weight == 1.0f) { // most rows: a factor that drops out of the loop
-        for (size_t g = 0; g < groups.size(); ++g)
-            sums[g] = add_samples(sums[g], row, 1.0f, width, groups[g]);
-    } else {
-        for (size_t g = 0; g < groups.size(); ++g)
-            sums[g] = add_samples(sums[g], row, weight, width, groups[g]);
-    }
-}
-
-// Columns past dst_width repeat the last one.
-column_group group_at(const axis &across, uint32_t origin, uint32_t column, uint32_t dst_width)
-{
-    column_group group = {};
-    footprint prints[4];
-    uint32_t most = 0;
+    footprint prints[Lanes];
     uint32_t whole = UINT32_MAX; // samples of weight 1 in every column, were the first one's 1
-    bool weighted_first = false;
-    for (uint32_t lane = 0; lane < 4; ++lane) {
+    group.count = group.head = 0;
+    for (uint32_t lane = 0; lane < Lanes; ++lane) {
         const footprint print = across.under(std::min(column + lane, dst_width - 1));
         prints[lane] = print;
         group.first[lane] = origin + print.first;
-        most = std::max(most, print.count);
+        group.count = std::max(group.count, print.count);
+        group.head = print.first_weight < 1.0f ? 1 : group.head;
         whole = std::min(whole, print.count - (print.last_weight < 1.0f ? 1 : 0));
-        weighted_first = weighted_first || print.first_weight < 1.0f;
     }
+    group.tail = std::max(group.head, whole);
+    for (int lane = 0; lane < Lanes; ++lane) {
+        group.head_weight[lane] = prints[lane].weight(0);
+        for (uint32_t i = 0; i < 3; ++i) {
+            const float weight = prints[lane].weight(group.tail + i);
+            group.tail_weight[i][lane] = weight;
+            group.in_tail[i][lane] = weight > 0.0f ? -1 : 0;
+        }
+    }
+}
 
-    group.blocks = (most + 3) / 4;
-    group.head = (weighted_first || whole < 4) && most != 0 ? 1 : 0;
-    group.tail = std::max(group.head, whole / 4);
-    const auto set_weights = [&prints](f32x4 *weights, uint32_t block) {
-        for (uint32_t m = 0; m < 4; ++m)
-            for (uint32_t lane = 0; lane < 4; ++lane)
-                weights[m][lane] = prints[lane].weight(4 * block + m);
-    };
-    set_weights(group.head_weight, 0);
-    set_weights(group.tail_weight[0], group.tail);
-    set_weights(group.tail_weight[1], group.tail + 1);
-    return group;
+// Four samples of each column of a group, which lie in the row: sample m of all columns becomes a vector.
+template <int Lanes>
+QZ_ALWAYS_INLINE void load_samples(qz::vec<Lanes> (&sample)[4], const float *from, const uint32_t (&first)[Lanes])
+{
+    for (int m = 0; m < 4; ++m)
+        qz::load_quads<4>(sample[m], from, first + m);
+    qz::transpose_quads<Lanes>(sample[0], sample[1], sample[2], sample[3]);
+}
+
+// Samples of source columns beyond the last one are the last one's.
+template <int Lanes>
+[[gnu::noinline]] void copy_samples(float (&to)[Lanes][4], const float *row, uint32_t width, const uint32_t *first,
+                                    uint32_t offset)
+{
+    for (int lane = 0; lane < Lanes; ++lane) {
+        const uint32_t column = first[lane] + offset;
+        if (column + 4 <= width)
+            memcpy(to[lane], row + column, sizeof to[lane]);
+        else
+            for (uint32_t m = 0; m < 4; ++m)
+                to[lane][m] = row[std::min(column + m, width - 1)];
+    }
+}
+
+template <int Lanes>
+struct lane_numbers {
+    uint32_t of_four[Lanes];
+    constexpr lane_numbers() : of_four()
+    {
+        for (uint32_t lane = 0; lane < Lanes; ++lane)
+            of_four[lane] = 4 * lane;
+    }
+};
+
+template <int Lanes>
+QZ_ALWAYS_INLINE void load_block(qz::vec<Lanes> (&sample)[4], const float *row, uint32_t width,
+                                 const column_group<Lanes> &group, uint32_t offset)
+{
+    if (group.first[Lanes - 1] + offset + 4 <= width) {
+        load_samples<Lanes>(sample, row + offset, group.first);
+    } else {
+        static constexpr lane_numbers<Lanes> numbers;
+        float samples[Lanes][4];
+        copy_samples<Lanes>(samples, row, width, group.first, offset);
+        load_samples<Lanes>(sample, samples[0], numbers.of_four);
+    }
+}
+
+// A weight of 0 marks a sample that does not belong to the sum, even if it is not finite.
+template <int Lanes>
+QZ_ALWAYS_INLINE void add_tail(qz::vec<Lanes> &sum, const qz::vec<Lanes> &sample, float row_weight,
+                               const column_group<Lanes> &group, uint32_t i)
+{
+    qz::vec<Lanes> product = (group.tail_weight[i] * row_weight) * sample;
+    qz::select<Lanes>(product, group.in_tail[i], product, qz::vec<Lanes>{});
+    sum += product;
+}
+
+template <int Lanes>
+QZ_ALWAYS_INLINE void add_samples(qz::vec<Lanes> &sum, const float *row, float row_weight, uint32_t width,
+                                  const column_group<Lanes> &group)
+{
+    qz::vec<Lanes> sample[4];
+    for (uint32_t k = 0; k < group.count; k += 4) {
+        load_block<Lanes>(sample, row, width, group, k);
+        if (k >= group.head && k + 4 <= group.tail) {
+            for (int m = 0; m < 4; ++m)
+                sum += row_weight * sample[m];
+            continue;
+        }
+#pragma GCC unroll 4
+        for (uint32_t m = 0; m < 4; ++m) {
+            if (k + m < group.head)
+                sum += (group.head_weight * row_weight) * sample[m];
+            else if (k + m < group.tail)
+                sum += row_weight * sample[m];
+            else if (k + m < group.count)
+                add_tail<Lanes>(sum, sample[m], row_weight, group, k + m - group.tail);
+        }
+    }
+}
+
+template <int Lanes>
+QZ_ALWAYS_INLINE void add_row(qz::vec<Lanes> *sums, const float *row, float weight, uint32_t width,
+                              std::span<const column_group<Lanes>> groups)
+{
+    if (weight == 1.0f) { // most rows: a factor that drops out of the loop
+        for (size_t g = 0; g < groups.size(); ++g)
+            add_samples<Lanes>(sums[g], row, 1.0f, width, groups[g]);
+    } else {
+        for (size_t g = 0; g < groups.size(); ++g)
+            add_samples<Lanes>(sums[g], row, weight, width, groups[g]);
+    }
 }
 
 struct downscale_job {
+    const float *const *src_planes;
+    uint16_t *const *dst_planes;
+    uint32_t plane_count;
     uint32_t src_width;
     uint32_t src_height;
     uint32_t dst_width;
     uint32_t dst_height;
     isp_roi region;
-    axis across;
-    axis down;
+    footprint_axis across;
+    footprint_axis down;
     float norm; // 1 / (source samples under one destination sample)
-};
 
-// A strip of destination columns as wide as a full-HD picture reduced by four: rows are read from end to end.
-constexpr uint32_t strip_groups = 128;
-constexpr uint32_t strip_width = 4 * strip_groups;
+    // A strip of destination columns as wide as a full-HD picture reduced by four: rows are read from end to end.
+    static constexpr uint32_t strip_width = 512;
 
-QZ_MULTIVERSION void reduce_strip(const downscale_job &job, const column_group *groups, const float *src, uint16_t *dst,
-                                  uint32_t columns)
-{
-    const uint32_t group_count = (columns + 3) / 4;
-    for (uint32_t r = 0; r < job.dst_height; ++r) {
-        const footprint rows = job.down.under(r);
-        f32x4 sums[strip_groups];
-        std::fill_n(sums, group_count, f32x4{});
-        for (uint32_t k = 0; k < rows.count; ++k) {
-            const size_t row = std::min(job.region.y + rows.first + k, job.src_height - 1);
-            add_row(sums, src + row * job.src_width, rows.weight(k), job.src_width, {groups, group_count});
+    template <int Lanes>
+    QZ_ALWAYS_INLINE void run() const
+    {
+        if (across.step == 2.0f && down.step == 2.0f && dst_width >= 2 * Lanes) {
+            for (uint32_t plane = 0; plane < plane_count; ++plane)
+                halve<Lanes>(src_planes[plane], dst_planes[plane]);
+            return;
         }
-
-        uint16_t averages[strip_width];
-        for (uint32_t g = 0; g < group_count; ++g)
-            for (uint32_t lane = 0; lane < 4; ++lane)
-                averages[4 * g + lane] =
-                    qz::truncate_to_p10(sums[g][lane] * job.norm + 0.00048828125f); // + half a unit
-        std::copy_n(averages, columns, dst + size_t{r} * job.dst_width);
+        column_group<Lanes> groups[strip_width / Lanes];
+        for (uint32_t column = 0; column < dst_width; column += strip_width) {
+            const uint32_t columns = std::min(dst_width - column, strip_width);
+            for (uint32_t c = 0; c < columns; c += Lanes)
+                place_group<Lanes>(groups[c / Lanes], across, region.x, column + c, dst_width);
+            for (uint32_t plane = 0; plane < plane_count; ++plane)
+                reduce_strip<Lanes>(groups, src_planes[plane], dst_planes[plane] + column, columns);
+        }
     }
-}
 
-void reduce(const downscale_job &job, const float *const *src_planes, uint16_t *const *dst_planes, uint32_t plane_count)
-{
-    for (uint32_t column = 0; column < job.dst_width; column += strip_width) {
-        const uint32_t columns = std::min(job.dst_width - column, strip_width);
-        column_group groups[strip_groups];
-        for (uint32_t c = 0; c < columns; c += 4)
-            groups[c / 4] = group_at(job.across, job.region.x, column + c, job.dst_width);
-        for (uint32_t plane = 0; plane < plane_count; ++plane)
-            reduce_strip(job, groups, src_planes[plane], dst_planes[plane] + column, columns);
+    template <int Lanes>
+    QZ_ALWAYS_INLINE void reduce_strip(const column_group<Lanes> *groups, const float *src, uint16_t *dst,
+                                       uint32_t columns) const
+    {
+        const uint32_t group_count = (columns + Lanes - 1) / Lanes;
+        qz::vec<Lanes> sums[strip_width / Lanes + 1]; // averages are formed by twos
+        uint16_t averages[strip_width + Lanes];
+        for (uint32_t r = 0; r < dst_height; ++r) {
+            const footprint rows = down.under(r);
+            std::fill_n(sums, group_count + 1, qz::vec<Lanes>{});
+            for (uint32_t k = 0; k < rows.count; ++k) {
+                const size_t row = std::min(region.y + rows.first + k, src_height - 1);
+                add_row<Lanes>(sums, src + row * src_width, rows.weight(k), src_width, {groups, group_count});
+            }
+            for (uint32_t g = 0; g < group_count; g += 2)
+                store_averages<Lanes>(averages + size_t{g} * Lanes, sums[g], sums[g + 1]);
+            std::copy_n(averages, columns, dst + size_t{r} * dst_width);
+        }
     }
-}
+
+    // Two by two samples under each destination sample.
+    template <int Lanes>
+    QZ_ALWAYS_INLINE void halve(const float *src, uint16_t *dst) const
+    {
+        src += size_t{region.y} * src_width + region.x;
+        for (uint32_t r = 0; r < dst_height; ++r, src += size_t{2} * src_width, dst += dst_width)
+            for (uint32_t next = 0; next < dst_width; next += 2 * Lanes) {
+                const uint32_t c =
+                    std::min(next, dst_width - 2 * Lanes); // the last ones may be the same as some before
+                qz::vec<Lanes> sums[2];
+                for (uint32_t i = 0; i < 2; ++i)
+                    add_two_by_two<Lanes>(sums[i], src + size_t{2} * (c + i * Lanes));
+                store_averages<Lanes>(dst + c, sums[0], sums[1]);
+            }
+    }
+
+    template <int Lanes>
+    QZ_ALWAYS_INLINE void add_two_by_two(qz::vec<Lanes> &sum, const float *from) const
+    {
+        sum = qz::vec<Lanes>{};
+        for (int row = 0; row < 2; ++row, from += src_width) {
+            qz::vec<Lanes> low, high, samples;
+            qz::load(low, from);
+            qz::load(high, from + Lanes);
+            qz::every_second<0>(samples, low, high);
+            sum += samples;
+            qz::every_second<1>(samples, low, high);
+            sum += samples;
+        }
+    }
+
+    template <int Lanes>
+    QZ_ALWAYS_INLINE void store_averages(uint16_t *to, const qz::vec<Lanes> &a, const qz::vec<Lanes> &b) const
+    {
+        constexpr float half_a_unit = 0.00048828125f;
+        qz::short_vec<Lanes> average;
+        qz::truncate_to_p10<Lanes>(average, a * norm + half_a_unit, b * norm + half_a_unit);
+        qz::store(to, average);
+    }
+};
 
 } // namespace
 
@@ -223,15 +286,18 @@ uint32_t image_downscale_32f_to_u16p10(const float *const *src_planes, uint16_t 
                                        uint16_t plane_count, const isp_roi *roi)
 {
     if (dst_width >= src_width || dst_height >= src_height || dst_width < 3 || dst_height < 3)
-        return 32;
+        return ISP_INVALID_ARGUMENT;
     const isp_roi region = roi != nullptr ? *roi : isp_roi{0, 0, src_width, src_height};
     if (region.x >= src_width || region.y >= src_height || region.x + region.width > src_width ||
         region.y + region.height > src_height)
-        return 32;
+        return ISP_INVALID_ARGUMENT;
 
     const float step_x = static_cast<float>(region.width) / static_cast<float>(dst_width);
     const float step_y = static_cast<float>(region.height) / static_cast<float>(dst_height);
-    const downscale_job job = {.src_width = src_width,
+    const downscale_job job = {.src_planes = src_planes,
+                               .dst_planes = dst_planes,
+                               .plane_count = plane_count,
+                               .src_width = src_width,
                                .src_height = src_height,
                                .dst_width = dst_width,
                                .dst_height = dst_height,
@@ -239,6 +305,6 @@ uint32_t image_downscale_32f_to_u16p10(const float *const *src_planes, uint16_t 
                                .across = {.step = step_x, .limit = static_cast<float>(src_width)},
                                .down = {.step = step_y, .limit = static_cast<float>(src_height)},
                                .norm = 1.0f / (step_x * step_y)};
-    reduce(job, src_planes, dst_planes, plane_count);
-    return 0;
+    qz::run_widest(job);
+    return ISP_SUCCESS;
 }

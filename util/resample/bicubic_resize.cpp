@@ -1,10 +1,11 @@
 #include <cstdlib>
 
 #include "qz_isp/bicubic.h"
-#include "util/cubic_strip.h"
-#include "util/extended_buffer.h"
-#include "util/multiversion.h"
-#include "util/p10.h"
+#include "qz_isp/error.h"
+#include "util/resample/cubic_strip.h"
+#include "util/resample/extended_buffer.h"
+#include "util/resample/p10.h"
+#include "util/simd/dispatch.h"
 
 namespace {
 
@@ -13,9 +14,16 @@ struct corner_axis {
     float dst_last;
     float src_last;
 
-    [[gnu::always_inline]] float position(uint32_t index) const
+    QZ_ALWAYS_INLINE float position(uint32_t index) const { return static_cast<float>(index) / dst_last * src_last; }
+};
+
+struct to_p10 {
+    template <int Lanes>
+    QZ_ALWAYS_INLINE static void store(uint16_t *out, const qz::vec<Lanes> &low, const qz::vec<Lanes> &high)
     {
-        return static_cast<float>(index) / dst_last * src_last;
+        qz::short_vec<Lanes> samples;
+        qz::truncate_to_p10<Lanes>(samples, low, high);
+        qz::store(out, samples);
     }
 };
 
@@ -26,13 +34,15 @@ struct resize_job {
     corner_axis down;
     uint16_t *dst;
     qz::plane_size size;
-};
 
-QZ_MULTIVERSION void resize_strip(qz::cubic_strip<double> &strip, const resize_job &job, uint32_t first_column)
-{
-    qz::resample_strip(strip, job.buffer, job.stride, job.across, job.down, job.dst, job.size, first_column,
-                       [](float value) { return qz::truncate_to_p10(value); });
-}
+    template <int Lanes>
+    QZ_ALWAYS_INLINE void run() const
+    {
+        alignas(64) qz::cubic_strip<double> strip;
+        for (uint32_t column = 0; column < size.columns; column += qz::cubic_strip<double>::width)
+            qz::resample_strip<Lanes, to_p10>(strip, buffer, stride, across, down, dst, size, column);
+    }
+};
 
 corner_axis axis(uint32_t src, uint32_t dst)
 {
@@ -45,12 +55,12 @@ uint32_t bicubic_resize_32f_to_u16p10(const float *src, uint16_t src_rows, uint1
                                       uint16_t dst_rows, uint16_t dst_cols)
 {
     if (src_rows == 0 || src_cols == 0 || dst_rows == 1 || dst_cols == 1)
-        return 32;
+        return ISP_INVALID_ARGUMENT;
 
     const size_t size = qz::extended_size(src_cols, src_rows);
     auto *buffer = static_cast<float *>(std::malloc(size));
     if (buffer == nullptr)
-        return 4;
+        return ISP_OUT_OF_MEMORY;
     qz::fill_extended(src, buffer, src_cols, src_rows);
 
     const resize_job job = {.buffer = buffer,
@@ -59,10 +69,7 @@ uint32_t bicubic_resize_32f_to_u16p10(const float *src, uint16_t src_rows, uint1
                             .down = axis(src_rows, dst_rows),
                             .dst = dst,
                             .size = {.rows = dst_rows, .columns = dst_cols}};
-    alignas(64) qz::cubic_strip<double> strip;
-    for (uint32_t column = 0; column < dst_cols; column += qz::cubic_strip<double>::width)
-        resize_strip(strip, job, column);
-
+    qz::run_widest(job);
     std::free(buffer);
-    return 0;
+    return ISP_SUCCESS;
 }

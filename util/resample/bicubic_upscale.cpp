@@ -2,17 +2,18 @@
 #include <cstdlib>
 
 #include "qz_isp/bicubic.h"
+#include "qz_isp/error.h"
 #include "qz_log.h"
-#include "util/cubic_strip.h"
-#include "util/extended_buffer.h"
-#include "util/multiversion.h"
+#include "util/resample/cubic_strip.h"
+#include "util/resample/extended_buffer.h"
+#include "util/simd/dispatch.h"
 
 namespace {
 
 struct scaled_axis {
     float scale;
 
-    [[gnu::always_inline]] float position(uint32_t index) const { return static_cast<float>(index) * scale; }
+    QZ_ALWAYS_INLINE float position(uint32_t index) const { return static_cast<float>(index) * scale; }
 };
 
 struct upscale_job {
@@ -22,12 +23,28 @@ struct upscale_job {
     qz::plane_size size;
 };
 
-QZ_MULTIVERSION void upscale_strip(qz::cubic_strip<float> &strip, const upscale_job &job, const float *buffer,
-                                   float *dst, uint32_t first_column)
-{
-    qz::resample_strip(strip, buffer, job.stride, job.across, job.down, dst, job.size, first_column,
-                       [](float value) { return std::min(std::max(value, -255.0f), 65535.0f); });
-}
+struct to_range {
+    template <int Lanes>
+    QZ_ALWAYS_INLINE static void store(float *out, const qz::vec<Lanes> &low, const qz::vec<Lanes> &high)
+    {
+        float values[2 * Lanes];
+        qz::store(values, low);
+        qz::store(values + Lanes, high);
+        for (float &value : values)
+            value = std::min(std::max(value, -255.0f), 65535.0f);
+        memcpy(out, values, sizeof values);
+    }
+};
+
+struct plane_upscale {
+    template <int Lanes>
+    QZ_ALWAYS_INLINE void run(qz::cubic_strip<float> &strip, const upscale_job &job, const float *buffer,
+                              float *dst) const
+    {
+        for (uint32_t column = 0; column < job.size.columns; column += qz::cubic_strip<float>::width)
+            qz::resample_strip<Lanes, to_range>(strip, buffer, job.stride, job.across, job.down, dst, job.size, column);
+    }
+};
 
 scaled_axis axis(uint32_t src, uint32_t dst)
 {
@@ -40,10 +57,10 @@ uint32_t upscale(const Sample *const *src_planes, float *const *dst_planes, uint
 {
     if (src_width > dst_width || src_height > dst_height) {
         qz_log(QZ_LOG_ERROR, "Not upscaling");
-        return 32;
+        return ISP_INVALID_ARGUMENT;
     }
     if (src_width == 0 || src_height == 0 || dst_width == 1 || dst_height == 1)
-        return 32;
+        return ISP_INVALID_ARGUMENT;
 
     const size_t size = qz::extended_size(src_width, src_height);
     auto *strip = static_cast<qz::cubic_strip<float> *>(std::malloc(sizeof(qz::cubic_strip<float>)));
@@ -56,8 +73,7 @@ uint32_t upscale(const Sample *const *src_planes, float *const *dst_planes, uint
                                  .size = {.rows = dst_height, .columns = dst_width}};
         for (uint32_t plane = 0; plane < plane_count; ++plane) {
             qz::fill_extended(src_planes[plane], buffer, src_width, src_height);
-            for (uint32_t column = 0; column < dst_width; column += qz::cubic_strip<float>::width)
-                upscale_strip(*strip, job, buffer, dst_planes[plane], column);
+            qz::run_widest(plane_upscale(), *strip, job, buffer, dst_planes[plane]);
         }
     } else {
         qz_log(QZ_LOG_ERROR, "QZ_ALLOC failed");
@@ -65,7 +81,7 @@ uint32_t upscale(const Sample *const *src_planes, float *const *dst_planes, uint
 
     std::free(buffer);
     std::free(strip);
-    return allocated ? 0 : 4;
+    return allocated ? ISP_SUCCESS : ISP_OUT_OF_MEMORY;
 }
 
 } // namespace

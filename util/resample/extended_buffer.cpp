@@ -1,4 +1,4 @@
-#include "util/extended_buffer.h"
+#include "util/resample/extended_buffer.h"
 
 #include <algorithm>
 

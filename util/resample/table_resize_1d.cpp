@@ -6,8 +6,8 @@
 #include "qz_isp/error.h"
 #include "qz_isp/table_resize.h"
 #include "util/float_to_int.h"
-#include "util/multiversion.h"
-#include "util/table_axis.h"
+#include "util/resample/table_axis.h"
+#include "util/simd/dispatch.h"
 
 namespace {
 
@@ -50,8 +50,8 @@ void fill(float *dst, int32_t src_count, int32_t dst_count, OutputAt output_at)
 
 constexpr uint32_t block = 512; // outputs at a time
 
-QZ_MULTIVERSION void blend(const float *left, const float *right, uint32_t position, uint32_t step, uint32_t scale,
-                           uint32_t count, uint16_t *__restrict dst)
+QZ_ALWAYS_INLINE void blend(const float *left, const float *right, uint32_t position, uint32_t step, uint32_t scale,
+                            uint32_t count, uint16_t *__restrict dst)
 {
     for (uint32_t i = 0; i < count; ++i, position += step) {
         const uint32_t right_weight = position & (axis::one - 1);
@@ -70,7 +70,7 @@ void resample(const float *src, uint32_t first_position, uint32_t step, uint32_t
         left[i] = src[position >> 10];
         right[i] = src[(position >> 10) + 1];
     }
-    blend(left.data(), right.data(), first_position, step, scale, count, dst);
+    qz::run_loop<blend>(left.data(), right.data(), first_position, step, scale, count, dst);
 }
 
 } // namespace

@@ -6,15 +6,14 @@
 #include "qz_isp/error.h"
 #include "qz_isp/table_resize.h"
 #include "util/float_to_int.h"
-#include "util/multiversion.h"
-#include "util/row_pair.h"
-#include "util/row_picker.h"
+#include "util/nearest/row_picker.h"
+#include "util/simd/dispatch.h"
 
 namespace {
 
-class axis {
+class float_axis {
   public:
-    axis(int32_t src_count, int32_t dst_count)
+    float_axis(int32_t src_count, int32_t dst_count)
         : last_(src_count - 1), step_(static_cast<float>(src_count - 1) / static_cast<float>(dst_count - 1))
     {}
 
@@ -45,7 +44,7 @@ struct table {
     float *dst;
     size_t dst_width;
     int32_t dst_height;
-    axis across, down;
+    float_axis across, down;
 };
 
 using picker = qz::row_picker<uint32_t>;
@@ -56,8 +55,8 @@ struct row {
     alignas(64) std::array<float, picker::most> left, right;
 };
 
-QZ_MULTIVERSION void blend_rows(const row &above, const row &below, float below_weight, size_t count,
-                                float *__restrict out)
+QZ_ALWAYS_INLINE void blend_rows(const row &above, const row &below, float below_weight, size_t count,
+                                 float *__restrict out)
 {
     const float above_weight = 1.0f - below_weight;
     for (size_t i = 0; i < count; ++i) {
@@ -71,16 +70,22 @@ void resize_columns(const table &t, size_t first, size_t count)
     alignas(64) std::array<float, picker::most> right_weight;
     size_t inside = 0; // columns that have a right neighbour; those behind them lie on the last source column
     const picker columns(count, [&](size_t i) {
-        const axis::neighbours n = t.across[static_cast<int32_t>(first + i)];
+        const float_axis::neighbours n = t.across[static_cast<int32_t>(first + i)];
         right_weight[i] = n.right_weight;
         inside += n.left != n.right;
         return n.left == n.right ? n.left - 1 : n.left;
     });
 
-    qz::row_pair<row> rows;
+    // Source rows are kept while they are needed: there are never more than two, one below the other.
+    row rows[2];
+    uint32_t held[2] = {UINT32_MAX, UINT32_MAX};
     for (int32_t r = 0; r < t.dst_height; ++r) {
-        const axis::neighbours n = t.down[r];
-        rows.move_to(n.left, n.right, [&](size_t index, row &made) {
+        const float_axis::neighbours n = t.down[r];
+        for (const uint32_t index : {n.left, n.right}) {
+            if (held[index % 2] == index)
+                continue;
+            held[index % 2] = index;
+            row &made = rows[index % 2];
             const size_t begin = index * t.src_width;
             columns.pick_weighted_pairs(t.src + begin, t.src_elements - begin, right_weight.data(), made.left.data(),
                                         made.right.data());
@@ -89,9 +94,9 @@ void resize_columns(const table &t, size_t first, size_t count)
                 made.left[i] = last * (1.0f - right_weight[i]);
                 made.right[i] = last * right_weight[i];
             }
-        });
-        blend_rows(rows.above(), rows.below(), n.right_weight, count,
-                   t.dst + static_cast<size_t>(r) * t.dst_width + first);
+        }
+        qz::run_loop<blend_rows>(rows[n.left % 2], rows[n.right % 2], n.right_weight, count,
+                                 t.dst + static_cast<size_t>(r) * t.dst_width + first);
     }
 }
 
@@ -109,8 +114,8 @@ uint32_t resize_2d_array_float(const float *src, uint16_t src_width, int32_t src
                      .dst = dst,
                      .dst_width = dst_width,
                      .dst_height = dst_height,
-                     .across = axis(src_width, dst_width),
-                     .down = axis(src_height, dst_height)};
+                     .across = float_axis(src_width, dst_width),
+                     .down = float_axis(src_height, dst_height)};
     for (size_t first = 0; first < dst_width; first += picker::most)
         resize_columns(t, first, std::min(picker::most, dst_width - first));
     return ISP_SUCCESS;

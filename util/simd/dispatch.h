@@ -1,23 +1,13 @@
-// Compiles a function once for each vector width of the processor and picks one when the library is loaded. Every
-// version does the same operations in the same order on each output, so results do not depend on the processor.
-// Only where the platform resolves functions at load time, and not under a sanitizer, whose runtime is not up by then.
+// Compiles a job once for each vector width and runs the version that suits the processor. Every version does the same
+// operations in the same order on each output, so results do not depend on the processor.
 #pragma once
 
-// Compiled for a processor of one's own choice (-march), there is nothing to choose.
-#if defined(__x86_64__) && defined(__gnu_linux__) && defined(__GNUC__) && !defined(__clang__) && !defined(__SSE4_2__)
-#define QZ_WIDER_TARGETS 1
-#else
-#define QZ_WIDER_TARGETS 0
-#endif
+#include <utility>
 
-#if QZ_WIDER_TARGETS && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-#define QZ_MULTIVERSION __attribute__((target_clones("arch=x86-64-v4", "arch=x86-64-v3", "default")))
-#else
-#define QZ_MULTIVERSION
-#endif
+#include "util/simd/vector_bits.h"
 
-// For everything that a function with several versions calls: it must become part of each version. Where branches are
-// counted it stays one function, so that a branch counts once, whoever calls.
+// For everything that a job calls: it must become part of each version. Where branches are counted it stays one
+// function, so that a branch counts once, whoever calls.
 #ifdef QZ_COVERAGE
 #define QZ_ALWAYS_INLINE inline
 #else
@@ -26,37 +16,51 @@
 
 namespace qz {
 
-#if QZ_WIDER_TARGETS
-template <typename Job>
-[[gnu::target("arch=x86-64-v4"), gnu::noinline]] void run_16_lanes(const Job &job)
+// Floats in a vector of the compiler's target.
+inline constexpr int target_lanes = QZ_TARGET_VECTOR_BITS / 32;
+
+#if QZ_WIDER_VECTORS
+template <typename Job, typename... Args>
+[[gnu::target("arch=x86-64-v4"), gnu::noinline]] auto run_16_lanes(const Job &job, Args &&...args)
 {
-    job.template run<16>();
+    return job.template run<16>(std::forward<Args>(args)...);
 }
 
-template <typename Job>
-[[gnu::target("arch=x86-64-v3"), gnu::noinline]] void run_8_lanes(const Job &job)
+template <typename Job, typename... Args>
+[[gnu::target("arch=x86-64-v3"), gnu::noinline]] auto run_8_lanes(const Job &job, Args &&...args)
 {
-    job.template run<8>();
+    return job.template run<8>(std::forward<Args>(args)...);
 }
 #endif
 
-// Runs job.run<lanes>() with as many floats a vector as the processor has; for loops whose shape depends on the width.
-template <typename Job>
-void run_widest(const Job &job)
+// Calls job.run<lanes>(args...) with as many floats a vector as the processor has: for what depends on the width.
+template <typename Job, typename... Args>
+auto run_widest(const Job &job, Args &&...args)
 {
-#if QZ_WIDER_TARGETS
-    if (__builtin_cpu_supports("x86-64-v4"))
-        return run_16_lanes(job);
-    if (__builtin_cpu_supports("x86-64-v3"))
-        return run_8_lanes(job);
+#if QZ_WIDER_VECTORS
+    switch (qz_vector_bits()) {
+    case 512: return run_16_lanes(job, std::forward<Args>(args)...);
+    case 256: return run_8_lanes(job, std::forward<Args>(args)...);
+    default: break;
+    }
 #endif
-#if defined(__AVX512F__)
-    job.template run<16>();
-#elif defined(__AVX__)
-    job.template run<8>();
-#else
-    job.template run<4>();
-#endif
+    return job.template run<target_lanes>(std::forward<Args>(args)...);
+}
+
+template <auto Loop>
+struct loop_job {
+    template <int /*Lanes*/, typename... Args>
+    QZ_ALWAYS_INLINE auto run(Args &&...args) const
+    {
+        return Loop(std::forward<Args>(args)...);
+    }
+};
+
+// Calls Loop(args...), a QZ_ALWAYS_INLINE function whose loops the compiler itself turns into vectors.
+template <auto Loop, typename... Args>
+auto run_loop(Args &&...args)
+{
+    return run_widest(loop_job<Loop>(), std::forward<Args>(args)...);
 }
 
 } // namespace qz

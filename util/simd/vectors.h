@@ -1,13 +1,14 @@
-// Vectors of 4, 8 or 16 floats for the loops that a compiler does not turn into vectors by itself. They are handed on
-// by reference, never by value: calls would then depend on the version of the processor.
+// Vectors for the loops that a compiler does not turn into vectors by itself. They are handed on by reference, never by
+// value: calls would then depend on the version of the processor.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 #include <utility>
 
-#include "util/multiversion.h"
+#include "util/simd/dispatch.h"
 
 namespace qz {
 
@@ -15,23 +16,56 @@ template <typename T, int Lanes>
 struct vector_of {
     using type [[gnu::vector_size(Lanes * sizeof(T))]] = T;
 };
+template <typename T, int Lanes>
+using vec_of = typename vector_of<T, Lanes>::type;
 template <int Lanes>
-using vec = typename vector_of<float, Lanes>::type;
+using vec = vec_of<float, Lanes>;
 template <int Lanes>
-using int_vec = typename vector_of<int32_t, Lanes>::type;
+using int_vec = vec_of<int32_t, Lanes>;
 template <int Lanes>
-using uint_vec = typename vector_of<uint32_t, Lanes>::type;
+using uint_vec = vec_of<uint32_t, Lanes>;
 
-template <int Lanes>
-QZ_ALWAYS_INLINE void load(vec<Lanes> &v, const void *at)
+template <typename Vector>
+QZ_ALWAYS_INLINE void load(Vector &v, const void *at)
 {
     memcpy(&v, at, sizeof v);
 }
 
-template <int Lanes>
-QZ_ALWAYS_INLINE void store(void *at, const vec<Lanes> &v)
+template <typename Vector>
+QZ_ALWAYS_INLINE void store(void *at, const Vector &v)
 {
     memcpy(at, &v, sizeof v);
+}
+
+// As many numbers of another type, converted.
+template <typename Vector, typename T>
+QZ_ALWAYS_INLINE void load_converted(Vector &v, const T *at)
+{
+    vec_of<T, sizeof(Vector) / sizeof(v[0])> loaded;
+    load(loaded, at);
+    v = __builtin_convertvector(loaded, Vector);
+}
+
+template <typename Half, typename Vector, int... Element>
+QZ_ALWAYS_INLINE void join(Vector &v, const Half &low, const Half &high,
+                           std::integer_sequence<int, Element...> /*of v*/)
+{
+    v = __builtin_shufflevector(low, high, Element...);
+}
+
+// Quad i, 16 bytes, from element index[i * Every].
+template <int Every = 1, typename Vector, typename T>
+QZ_ALWAYS_INLINE void load_quads(Vector &v, const T *from, const uint32_t *index)
+{
+    constexpr int count = sizeof v / sizeof(v[0]);
+    if constexpr (sizeof v == 16) {
+        load(v, from + *index);
+    } else {
+        vec_of<std::remove_cvref_t<decltype(v[0])>, count / 2> low, high;
+        load_quads<Every>(low, from, index);
+        load_quads<Every>(high, from, index + Every * sizeof v / 32);
+        join(v, low, high, std::make_integer_sequence<int, count>());
+    }
 }
 
 // Lanes of a where the mask is -1 and of b where it is 0. Masks come from memory: a comparison of vectors wider than
@@ -45,6 +79,20 @@ QZ_ALWAYS_INLINE void select(vec<Lanes> &to, const int_vec<Lanes> &mask, const v
     memcpy(&bits_b, &b, sizeof bits_b);
     bits_a = (bits_a & mask) | (bits_b & ~mask);
     memcpy(&to, &bits_a, sizeof to);
+}
+
+// Elements 0, 2, 4, .. of a and b, or with Offset 1 those between.
+template <int Offset, typename Vector, int... Element>
+QZ_ALWAYS_INLINE void every_second_of(Vector &to, const Vector &a, const Vector &b,
+                                      std::integer_sequence<int, Element...> /*of to*/)
+{
+    to = __builtin_shufflevector(a, b, (2 * Element + Offset)...);
+}
+
+template <int Offset, typename Vector>
+QZ_ALWAYS_INLINE void every_second(Vector &to, const Vector &a, const Vector &b)
+{
+    every_second_of<Offset>(to, a, b, std::make_integer_sequence<int, sizeof a / sizeof(a[0])>());
 }
 
 // Pairs of vectors a, b become (low, high) by one of three patterns, each one instruction. A quad is four lanes.
@@ -61,6 +109,7 @@ constexpr int zip_source(int lane, int high)
     if (How == zip::halves) // a0 a1 b0 b1 of every quad, then a2 a3 b2 b3
         return quad * 4 + 2 * high + within % 2 + within / 2 * Lanes;
     const int half = Lanes / 8; // even quads of a, then of b; then the odd ones
+    // cppcheck-suppress zerodiv ; vectors of one quad have no pattern of quads
     return quad / half * Lanes + (quad % half * 2 + high) * 4 + within;
 }
 
@@ -78,17 +127,23 @@ QZ_ALWAYS_INLINE void zip_pair(vec<Lanes> &a, vec<Lanes> &b)
     zip_lanes<Lanes, How>(a, b, std::make_integer_sequence<int, Lanes>());
 }
 
+// Lane i of row k of every quad becomes lane k of its row i.
+template <int Lanes>
+QZ_ALWAYS_INLINE void transpose_quads(vec<Lanes> &r0, vec<Lanes> &r1, vec<Lanes> &r2, vec<Lanes> &r3)
+{
+    zip_pair<Lanes, zip::words>(r0, r1);
+    zip_pair<Lanes, zip::words>(r2, r3);
+    zip_pair<Lanes, zip::halves>(r0, r2);
+    zip_pair<Lanes, zip::halves>(r1, r3);
+    std::swap(r1, r2);
+}
+
 // Rows of a square become its columns.
 template <int Lanes>
 QZ_ALWAYS_INLINE void transpose_square(vec<Lanes> (&row)[Lanes])
 {
-    for (int r = 0; r < Lanes; r += 4) { // 4 x 4 squares of every quad
-        zip_pair<Lanes, zip::words>(row[r], row[r + 1]);
-        zip_pair<Lanes, zip::words>(row[r + 2], row[r + 3]);
-        zip_pair<Lanes, zip::halves>(row[r], row[r + 2]);
-        zip_pair<Lanes, zip::halves>(row[r + 1], row[r + 3]);
-        std::swap(row[r + 1], row[r + 2]);
-    }
+    for (int r = 0; r < Lanes; r += 4)
+        transpose_quads<Lanes>(row[r], row[r + 1], row[r + 2], row[r + 3]);
     if constexpr (Lanes >= 8) { // then the quads themselves
         for (int r = 0; r < 4; ++r) {
             zip_pair<Lanes, zip::quads>(row[r], row[r + 4]);
