@@ -1,5 +1,6 @@
 #include "color/sensor_scale.h"
 #include "qz_isp/color.h"
+#include "qz_isp/error.h"
 #include "util/float_to_int.h"
 
 uint32_t compute_isp_black_level_compensation(const float *levels, uint16_t bit_depth, uint32_t *out_ch1,
@@ -12,5 +13,5 @@ uint32_t compute_isp_black_level_compensation(const float *levels, uint16_t bit_
     *out_ch1 = in_65536ths(levels[1]);
     *out_ch2 = in_65536ths(levels[2]);
     *out_ch3 = in_65536ths(levels[3]);
-    return 0;
+    return ISP_SUCCESS;
 }

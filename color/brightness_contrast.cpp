@@ -4,27 +4,12 @@
 #include <cstdint>
 #include <cstring>
 
+#include "color/tone_exponents.h"
 #include "qz_isp/color.h"
-#include "util/multiversion.h"
+#include "util/power/power.h"
+#include "util/simd/dispatch.h"
 
 namespace {
-
-// 5.0 at -128 (darker) to 0.25 at 127 (brighter).
-float brightness_exponent(int8_t b)
-{
-    return static_cast<float>(b < 0 ? 1.0 + b * 4.0 * -0.0078125 : 1.0 - b * 0.75 / 127.0);
-}
-
-// 0.2 at -128 to 5.0 at 127.
-float contrast_exponent(int8_t c)
-{
-    return static_cast<float>(c < 0 ? 1.0 + c * 0.8 * 0.0078125 : 1.0 + c * 4.0 / 127.0);
-}
-
-float power(float base, float exponent)
-{
-    return exponent == 1.0f ? base : std::pow(base, exponent);
-}
 
 // Brightness keeps 0 and the maximum; the two curves of contrast meet at half of it.
 struct tone_curves {
@@ -36,9 +21,9 @@ struct tone_curves {
     float high_factor;
 
     tone_curves(int8_t b, int8_t c, float largest, float middle)
-        : brightness(brightness_exponent(b)), contrast(contrast_exponent(c)), max(largest), half(middle),
-          low_factor(half > 0.0f ? half / power(half, contrast) : 0.0f),
-          high_factor((half - max) / power(max - half, contrast))
+        : brightness(qz::brightness_exponent(b)), contrast(qz::contrast_exponent(c)), max(largest), half(middle),
+          low_factor(half > 0.0f ? half / qz::power(half, contrast) : 0.0f),
+          high_factor((half - max) / qz::power(max - half, contrast))
     {}
 
     // A curve is a power of a base that it forms first, brought back to the table's scale.
@@ -55,43 +40,72 @@ struct tone_curves {
     }
 };
 
-// For values of the curves, which lie from 0 to the table's largest entry, give or take a rounding.
-uint16_t rounded(float value)
+// An entry of a table from a value of the curves. They lie from 0 to the largest entry, give or take a rounding, where
+// the half that is added before truncating need not be: the fraction, which is exact, tells the same.
+void set_entry(uint16_t &entry, float value)
 {
-    const double half_up = static_cast<double>(value) + 0.5;
-    return static_cast<uint16_t>(static_cast<int32_t>(half_up));
+    const auto whole = static_cast<int32_t>(value);
+    const float fraction = value - static_cast<float>(whole);
+    entry = static_cast<uint16_t>(whole + (fraction >= 0.5f ? 1 : 0));
 }
 
-// Tables are worked on a stretch at a time: what lies around the powers vectorises by itself.
-constexpr size_t stretch = 64;
+void set_entry(float &entry, float value)
+{
+    entry = value;
+}
 
-QZ_MULTIVERSION
-void apply_brightness(const tone_curves &curves, const uint16_t *in, uint16_t *out, size_t n)
+template <typename Entry>
+QZ_ALWAYS_INLINE void form_brightness_bases(const tone_curves &curves, const Entry *table, size_t n, float *bases)
+{
+    for (size_t i = 0; i < n; ++i)
+        bases[i] = curves.brightness_base(table[i]);
+}
+
+template <typename Entry>
+QZ_ALWAYS_INLINE void brighten(const tone_curves &curves, Entry *table, size_t n, const float *powers)
+{
+    for (size_t i = 0; i < n; ++i)
+        set_entry(table[i], curves.brightened(powers[i]));
+}
+
+template <typename Entry>
+QZ_ALWAYS_INLINE void form_contrast_bases(const tone_curves &curves, const Entry *table, size_t n, float *bases)
+{
+    for (size_t i = 0; i < n; ++i)
+        bases[i] = curves.contrast_base(table[i]);
+}
+
+template <typename Entry>
+QZ_ALWAYS_INLINE void contrast(const tone_curves &curves, Entry *table, size_t n, const float *powers)
+{
+    for (size_t i = 0; i < n; ++i)
+        set_entry(table[i], curves.contrasted(table[i], powers[i]));
+}
+
+// Whole gamma tables and stretches of longer ones.
+constexpr size_t stretch = 288;
+
+template <typename Entry>
+void apply_brightness(const tone_curves &curves, const Entry *in, Entry *out, size_t n)
 {
     float powers[stretch];
     for (size_t start = 0; start < n; start += stretch) {
         const size_t entries = std::min(stretch, n - start);
-        for (size_t i = 0; i < entries; ++i)
-            powers[i] = curves.brightness_base(in[start + i]);
-        for (size_t i = 0; i < entries; ++i)
-            powers[i] = std::pow(powers[i], curves.brightness);
-        for (size_t i = 0; i < entries; ++i)
-            out[start + i] = rounded(curves.brightened(powers[i]));
+        qz::run_loop<form_brightness_bases<Entry>>(curves, in + start, entries, powers);
+        qz::powers(powers, entries, curves.brightness);
+        qz::run_loop<brighten<Entry>>(curves, out + start, entries, powers);
     }
 }
 
-QZ_MULTIVERSION
-void apply_contrast(const tone_curves &curves, uint16_t *table, size_t n)
+template <typename Entry>
+void apply_contrast(const tone_curves &curves, Entry *table, size_t n)
 {
     float powers[stretch];
     for (size_t start = 0; start < n; start += stretch) {
         const size_t entries = std::min(stretch, n - start);
-        for (size_t i = 0; i < entries; ++i)
-            powers[i] = curves.contrast_base(table[start + i]);
-        for (size_t i = 0; i < entries; ++i)
-            powers[i] = std::pow(powers[i], curves.contrast);
-        for (size_t i = 0; i < entries; ++i)
-            table[start + i] = rounded(curves.contrasted(table[start + i], powers[i]));
+        qz::run_loop<form_contrast_bases<Entry>>(curves, table + start, entries, powers);
+        qz::powers(powers, entries, curves.contrast);
+        qz::run_loop<contrast<Entry>>(curves, table + start, entries, powers);
     }
 }
 
@@ -129,8 +143,6 @@ void compute_brightness_contrast_f(int8_t brightness, int8_t contrast, float *ta
         return;
 
     const tone_curves curves(brightness, contrast, max, 0.5f * max);
-    for (ptrdiff_t i = 0; i < n; ++i) {
-        const float y = curves.brightened(power(curves.brightness_base(table[i]), curves.brightness));
-        table[i] = curves.contrasted(y, power(curves.contrast_base(y), curves.contrast));
-    }
+    apply_brightness(curves, table, table, static_cast<size_t>(n));
+    apply_contrast(curves, table, static_cast<size_t>(n));
 }

@@ -4,31 +4,19 @@
 
 #include "qz_isp/color.h"
 #include "qz_isp/gain.h"
+#include "tuning/record_view.h"
 #include "util/float_to_int.h"
-
-namespace {
-
-// What follows the record's header.
-struct ctc_values {
-    uint16_t scaled[6];
-    uint16_t base_shift;
-    uint16_t kept[4];
-};
-static_assert(sizeof(ctc_values) == 22);
-
-} // namespace
 
 void compute_ctc_config(const isp_record *record, float factor, uint16_t *block)
 {
-    ctc_values tuned;
-    std::memcpy(&tuned, record + 1, sizeof tuned);
+    const auto tuned = qz::values_of<isp_ctc_config_values>(record);
 
     uint32_t products[6];
     for (size_t k = 0; k < 6; ++k)
         products[k] = qz::truncate_to_u32(static_cast<float>(tuned.scaled[k]) * factor);
     const uint32_t shift = calc_shifter(*std::max_element(products, products + 6) >> 13);
 
-    ctc_values result = tuned;
+    isp_ctc_config_values result = tuned;
     for (size_t k = 0; k < 6; ++k)
         result.scaled[k] = static_cast<uint16_t>(products[k] >> shift);
     result.base_shift = static_cast<uint16_t>(tuned.base_shift + shift);

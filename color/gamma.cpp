@@ -2,6 +2,7 @@
 #include <cstddef>
 
 #include "qz_isp/color.h"
+#include "qz_isp/makernote_records.h"
 #include "qz_isp/table_resize.h"
 #include "qz_mkn.h"
 #include "util/float_to_int.h"
@@ -10,11 +11,10 @@ namespace {
 
 constexpr float straight_line[] = {0.0f, 1.0f};
 
-void note(qz_mkn *mkn, uint8_t value)
+void append_gamma_record(qz_mkn *mkn, uint8_t value)
 {
-    constexpr uint32_t gamma_record = 540;
     if (mkn != nullptr)
-        qz_mkn_add_record(mkn, QZ_MKN_U8, gamma_record, &value, 1, nullptr);
+        qz_mkn_add_record(mkn, QZ_MKN_U8, ISP_MAKERNOTE_GAMMA_INPUT, &value, 1, nullptr);
 }
 
 // Factor, in units of 1/1024, that brings a curve's last point to 4095. The resized curve is in units of 1/256.
@@ -41,7 +41,7 @@ void make_two_level(uint16_t *table, uint16_t len, float threshold)
 void compute_gamma(const isp_gamma_params *gamma, const float *curve, uint32_t effects, uint16_t *table, uint32_t len,
                    float threshold, qz_mkn *mkn)
 {
-    note(mkn, gamma != nullptr ? 2 : 0);
+    append_gamma_record(mkn, gamma != nullptr ? 2 : 0);
     if (gamma == nullptr)
         return;
 

@@ -5,6 +5,7 @@
 #include "color/constants.h"
 #include "color/sector_matrix.h"
 #include "qz_isp/color.h"
+#include "util/control_share.h"
 
 namespace {
 
@@ -28,8 +29,7 @@ float clamped(float element)
 void create_hue_matrix(int8_t hue, float *out)
 {
     constexpr double half_turn = 3.1415998935699463; // 3.1416f
-    const double share = hue < 0 ? hue * 0.0078125 : hue / 127.0;
-    const rotation turn(static_cast<float>(share * half_turn));
+    const rotation turn(static_cast<float>(qz::control_share(hue) * half_turn));
     out[0] = turn.cos;
     out[1] = -turn.sin;
     out[2] = turn.sin;

@@ -1,6 +1,7 @@
 // Fixed tables of the five multi-axis colour effects. Q13: 8192 = 1.0.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <initializer_list>
 
@@ -18,9 +19,9 @@ constexpr fixed_sectors sectors_with(std::initializer_list<numbered_sector> list
 {
     fixed_sectors all = {};
     for (fixed_sector &each : all.sector)
-        each = {8192, 0, 0, 8192};
+        each[0] = each[3] = 8192;
     for (const numbered_sector &each : listed)
-        all.sector[each.number] = each.matrix;
+        std::copy_n(each.matrix, 4, all.sector[each.number]);
     return all;
 }
 

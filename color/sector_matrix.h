@@ -7,10 +7,8 @@ namespace qz {
 
 inline constexpr int sector_count = 16;
 
-// Row by row, Q13: 8192 = 1.0.
-struct fixed_sector {
-    int16_t m0, m1, m2, m3;
-};
+// Row by row, Q13: 8192 = 1.0; as in isp_macc_entry.
+using fixed_sector = int16_t[4];
 
 struct fixed_sectors {
     fixed_sector sector[sector_count];
@@ -23,8 +21,8 @@ struct sector_matrix {
 constexpr sector_matrix to_float(const fixed_sector &s)
 {
     constexpr float one = 8192.0f;
-    return {static_cast<float>(s.m0) / one, static_cast<float>(s.m1) / one, static_cast<float>(s.m2) / one,
-            static_cast<float>(s.m3) / one};
+    return {static_cast<float>(s[0]) / one, static_cast<float>(s[1]) / one, static_cast<float>(s[2]) / one,
+            static_cast<float>(s[3]) / one};
 }
 
 constexpr sector_matrix operator*(const sector_matrix &t, const sector_matrix &m)

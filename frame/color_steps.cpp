@@ -10,7 +10,7 @@
 
 namespace qz {
 
-void white_balance_step(const frame_run &run)
+const aic_white_balance &white_balance_step(frame_run &run)
 {
     auto &block = run.record.white_balance;
     write_header(block);
@@ -20,10 +20,11 @@ void white_balance_step(const frame_run &run)
     } else {
         block.payload = defaults::white_balance;
     }
-    run.mkn.add(QZ_MKN_U32, 512, &block.payload, 5);
+    run.mkn.add<ISP_MAKERNOTE_WHITE_BALANCE>(block.payload);
+    return block.payload;
 }
 
-void yuv_to_rgb_step(const frame_run &run)
+void yuv_to_rgb_step(frame_run &run)
 {
     auto &block = run.record.yuv_to_rgb;
     write_header(block);
@@ -33,10 +34,10 @@ void yuv_to_rgb_step(const frame_run &run)
         apply_color_effects_to_ccms(matrix, 1, run.input.effects);
     }
     set_yuv_to_rgb(matrix, block.payload.coeff, &block.payload.frac_bits);
-    run.mkn.add(QZ_MKN_I32, 537, &block.payload, 10);
+    run.mkn.add<ISP_MAKERNOTE_YUV_TO_RGB>(block.payload);
 }
 
-void ctc_step(const frame_run &run)
+void ctc_step(frame_run &run)
 {
     auto &block = run.record.ctc;
     write_header(block);
@@ -44,10 +45,10 @@ void ctc_step(const frame_run &run)
         compute_ctc_config(run.tuning.ctc_config, run.saturation, reinterpret_cast<uint16_t *>(&block.payload));
     else
         block.payload = defaults::ctc;
-    run.mkn.add(QZ_MKN_U16, 533, &block.payload, 11);
+    run.mkn.add<ISP_MAKERNOTE_CTC>(block.payload);
 }
 
-void macc_step(const frame_run &run)
+void macc_step(frame_run &run)
 {
     auto &sectors = run.record.macc;
     auto &shift = run.record.macc_shift;
@@ -63,11 +64,11 @@ void macc_step(const frame_run &run)
             std::copy(std::begin(defaults::macc_sector), std::end(defaults::macc_sector), sector);
         shift.payload.value = defaults::macc_shift;
     }
-    run.mkn.add(QZ_MKN_I16, 524, &sectors.payload, 64);
-    run.mkn.add(QZ_MKN_U8, 542, &shift.payload, 1);
+    run.mkn.add<ISP_MAKERNOTE_MACC>(sectors.payload);
+    run.mkn.add<ISP_MAKERNOTE_MACC_SHIFT>(shift.payload);
 }
 
-void black_level_step(const frame_run &run)
+void black_level_step(frame_run &run)
 {
     auto &block = run.record.black_level;
     write_header(block);
@@ -77,8 +78,9 @@ void black_level_step(const frame_run &run)
                                              &level[3], &level[2]);
     else
         block.payload = {};
-    // Five words: consumers of this record expect the next block's id behind the levels.
-    run.mkn.add(QZ_MKN_U32, 514, &block.payload, 5);
+    // Consumers of this record expect the next block's id behind the levels, as it is before that block is written.
+    const uint32_t words[] = {level[0], level[1], level[2], level[3], run.record.xnr.id};
+    run.mkn.add<ISP_MAKERNOTE_BLACK_LEVEL>(words);
 }
 
 namespace {
@@ -103,7 +105,7 @@ void brightness_contrast(const frame_run &run, uint16_t *const (&tables)[3], uin
 
 } // namespace
 
-void gamma_step(const frame_run &run)
+void gamma_step(frame_run &run)
 {
     auto &record = run.record;
     write_header(record.gamma_0);
@@ -122,7 +124,7 @@ void gamma_step(const frame_run &run)
         compute_gamma(input.gamma, curve, input.effects, tables[c], entries, threshold, run.mkn.handle());
     }
     brightness_contrast(run, tables, entries);
-    run.mkn.add(QZ_MKN_U16, 534, tables[0], entries);
+    run.mkn.add<ISP_MAKERNOTE_GAMMA_TABLE>(tables[0], entries);
 }
 
 } // namespace qz

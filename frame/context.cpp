@@ -7,6 +7,7 @@
 #include <iterator>
 
 #include "qz_isp/error.h"
+#include "qz_isp/makernote_records.h"
 #include "qz_log.h"
 #include "qz_mkn.h"
 
@@ -15,7 +16,6 @@ namespace {
 
 constexpr char version[] = "v2.0_012.000_002";
 constexpr char version_record_prefix[] = "QZ_ISP 2.6.1 ";
-constexpr uint32_t version_record_name = 538;
 constexpr size_t cmc_region_size = 208;
 constexpr size_t key_region_size = 24;
 constexpr uint64_t rgbs_cell_size = sizeof(isp_rgbs_cell);
@@ -84,7 +84,7 @@ void add_version_record(const isp_context &context)
 {
     char text[256];
     const int length = std::snprintf(text, sizeof text, "%s%s", version_record_prefix, version);
-    qz_mkn_add_record(context.makernote, QZ_MKN_TEXT, version_record_name, text, static_cast<uint32_t>(length),
+    qz_mkn_add_record(context.makernote, QZ_MKN_TEXT, ISP_MAKERNOTE_VERSION, text, static_cast<uint32_t>(length),
                       context.mkn_key);
 }
 

@@ -29,29 +29,19 @@ uint8_t compute_tables(const frame_run &run, aic_lens_shading &block)
     return enable;
 }
 
-const void *first_table(const aic_record &record)
-{
-    const uint32_t word = record.lens_shading.payload.table[0];
-    if constexpr (sizeof(void *) == sizeof word)
-        return reinterpret_cast<const void *>(static_cast<uintptr_t>(word));
-    else
-        return reinterpret_cast<const uint8_t *>(&record) + word;
-}
-
 void add_records(const frame_run &run, const aic_lens_shading &block)
 {
-    run.mkn.add(QZ_MKN_U32, 527, &block, 6);
-    if (block.table[0] == 0)
+    run.mkn.add<ISP_MAKERNOTE_LENS_SHADING>(block);
+    if (block.table[0] == 0) // never computed
         return;
-    const void *table = first_table(run.record);
     if (run.input.tuning_mode <= 1)
-        run.mkn.add(QZ_MKN_U16, 528 + 65536, table, block.columns * block.rows * 4);
-    run.mkn.add(QZ_MKN_U16, 528, table, block.columns * 2);
+        run.mkn.add<ISP_MAKERNOTE_LENS_SHADING_TABLES>(block.entries, block.columns * block.rows * 4);
+    run.mkn.add<ISP_MAKERNOTE_LENS_SHADING_ROWS>(block.entries, block.columns * 2);
 }
 
 } // namespace
 
-uint32_t lens_shading_step(const frame_run &run)
+uint32_t lens_shading_step(frame_run &run)
 {
     constexpr uint32_t fractional_bits = 8;
     auto &block = run.record.lens_shading;

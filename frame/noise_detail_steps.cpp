@@ -8,55 +8,25 @@
 #include "qz_isp/noise_detail.h"
 
 namespace qz {
-
-void defect_pixel_step(const frame_run &run)
-{
-    auto &block = run.record.defect_pixel;
-    write_header(block);
-    auto &[param, gain] = block.payload;
-    if (run.tuning.defect_pixel_correction.record != nullptr)
-        compute_defect_pixel_correction(run.gain, &run.tuning.defect_pixel_correction, &param[0], &param[1]);
-    else
-        std::copy(std::begin(defaults::defect_pixel), std::end(defaults::defect_pixel), param);
-    std::copy(std::begin(run.record.white_balance.payload.gain), std::end(run.record.white_balance.payload.gain), gain);
-    run.mkn.add(QZ_MKN_U32, 517, &block.payload, 6);
-}
-
-void temporal_noise_reduction_step(const frame_run &run)
-{
-    auto &block = run.record.temporal_noise_reduction;
-    write_header(block);
-    if (!run.nr_on()) {
-        block.payload = defaults::temporal_noise_reduction_off;
-        return;
-    }
-    auto &param = block.payload.param;
-    if (run.tuning.temporal_noise_reduction.record != nullptr)
-        compute_temporal_noise_reduction(run.gain, &run.tuning.temporal_noise_reduction, run.input.nr_strength,
-                                         &param[0], &param[1], &param[2]);
-    else
-        block.payload = defaults::temporal_noise_reduction;
-    run.mkn.add(QZ_MKN_U32, 520, &block.payload, 3);
-}
-
-void y_edge_enhancement_step(const frame_run &run)
-{
-    auto &block = run.record.y_edge_enhancement;
-    write_header(block);
-    if (!run.nr_on()) {
-        block.payload = defaults::y_edge_enhancement_off;
-        return;
-    }
-    auto &param = block.payload.param;
-    if (run.tuning.y_edge_enhancement.record != nullptr)
-        compute_y_edge_enhancement(run.gain, &run.tuning.y_edge_enhancement, run.input.sharpness, &param[0], &param[1],
-                                   &param[2], &param[3]);
-    else
-        block.payload = defaults::y_edge_enhancement;
-    run.mkn.add(QZ_MKN_U16, 541, &block.payload, 4);
-}
-
 namespace {
+
+// A block that is switched by a mode: computed, or default values without a tuning record. Off, it has values of its
+// own and no makernote record.
+template <isp_makernote_record name, typename Block, typename Slot, typename Payload, typename Compute>
+void tuned_step(frame_run &run, Block &block, const Slot &slot, const Payload &untuned, bool on, const Payload &off,
+                Compute compute)
+{
+    write_header(block);
+    if (!on) {
+        block.payload = off;
+        return;
+    }
+    if (slot.record != nullptr)
+        compute(slot, block.payload);
+    else
+        block.payload = untuned;
+    run.mkn.add<name>(block.payload);
+}
 
 void add_fringe_control(const makernote &mkn, const aic_fringe_control &block)
 {
@@ -66,12 +36,47 @@ void add_fringe_control(const makernote &mkn, const aic_fringe_control &block)
     next = std::copy(std::begin(block.field_8_to_9), std::end(block.field_8_to_9), next);
     next = std::copy(std::begin(block.field_10_to_11), std::end(block.field_10_to_11), next);
     std::copy(std::begin(block.field_0_to_3), std::end(block.field_0_to_3), next);
-    mkn.add(QZ_MKN_I32, 531, words, 13);
+    mkn.add<ISP_MAKERNOTE_FRINGE_CONTROL>(words);
 }
 
 } // namespace
 
-void fringe_control_step(const frame_run &run)
+void defect_pixel_step(frame_run &run, const aic_white_balance &balance)
+{
+    auto &block = run.record.defect_pixel;
+    write_header(block);
+    auto &[param, gain] = block.payload;
+    if (run.tuning.defect_pixel_correction.record != nullptr)
+        compute_defect_pixel_correction(run.gain, &run.tuning.defect_pixel_correction, &param[0], &param[1]);
+    else
+        std::copy(std::begin(defaults::defect_pixel), std::end(defaults::defect_pixel), param);
+    std::copy(std::begin(balance.gain), std::end(balance.gain), gain);
+    run.mkn.add<ISP_MAKERNOTE_DEFECT_PIXEL>(block.payload);
+}
+
+void temporal_noise_reduction_step(frame_run &run)
+{
+    tuned_step<ISP_MAKERNOTE_TEMPORAL_NOISE_REDUCTION>(
+        run, run.record.temporal_noise_reduction, run.tuning.temporal_noise_reduction,
+        defaults::temporal_noise_reduction, run.nr_on(), defaults::temporal_noise_reduction_off,
+        [&run](const isp_table_slot &slot, aic_params_3 &out) {
+            auto &[p0, p1, p2] = out.param;
+            compute_temporal_noise_reduction(run.gain, &slot, run.input.nr_strength, &p0, &p1, &p2);
+        });
+}
+
+void y_edge_enhancement_step(frame_run &run)
+{
+    tuned_step<ISP_MAKERNOTE_Y_EDGE_ENHANCEMENT>(
+        run, run.record.y_edge_enhancement, run.tuning.y_edge_enhancement, defaults::y_edge_enhancement, run.nr_on(),
+        defaults::y_edge_enhancement_off, [&run](const isp_table_slot &slot, aic_y_edge_enhancement &out) {
+            auto &[p0, p1, p2, p3] = out.param;
+            compute_y_edge_enhancement(run.gain, &slot, run.input.sharpness, &p0, &p1, &p2, &p3);
+        });
+}
+
+// The byte that the block does not use keeps what it holds, except when the block is off.
+void fringe_control_step(frame_run &run)
 {
     auto &block = run.record.fringe_control;
     write_header(block);
@@ -86,60 +91,40 @@ void fringe_control_step(const frame_run &run)
         block.payload = defaults::fringe_control;
         block.payload.unused = unused;
     }
-    if (run.mkn.present())
-        add_fringe_control(run.mkn, block.payload);
+    add_fringe_control(run.mkn, block.payload);
 }
 
-void chroma_nr_step(const frame_run &run)
+void chroma_nr_step(frame_run &run)
 {
-    auto &block = run.record.chroma_nr;
-    write_header(block);
-    if (!run.nr_on()) {
-        block.payload = defaults::chroma_nr_off;
-        return;
-    }
-    if (run.tuning.chroma_nr.record != nullptr)
-        compute_chroma_nr(run.gain, &run.tuning.chroma_nr, run.input.nr_strength, block.payload.field);
-    else
-        block.payload = defaults::chroma_nr;
-    run.mkn.add(QZ_MKN_U16, 532, &block.payload, 8);
+    tuned_step<ISP_MAKERNOTE_CHROMA_NR>(run, run.record.chroma_nr, run.tuning.chroma_nr, defaults::chroma_nr,
+                                        run.nr_on(), defaults::chroma_nr_off,
+                                        [&run](const isp_chroma_nr_slot &slot, aic_chroma_nr &out) {
+                                            compute_chroma_nr(run.gain, &slot, run.input.nr_strength, out.field);
+                                        });
 }
 
-void edge_enhancement_step(const frame_run &run)
+void edge_enhancement_step(frame_run &run)
 {
-    auto &block = run.record.edge_enhancement;
-    write_header(block);
-    if (!run.edge_on()) {
-        block.payload = defaults::edge_enhancement_off;
-        return;
-    }
-    auto &param = block.payload.param;
-    if (run.tuning.edge_enhancement.record != nullptr)
-        compute_edge_enhancement(run.gain, run.input.sharpness, &run.tuning.edge_enhancement, &param[0], &param[1],
-                                 &param[2]);
-    else
-        block.payload = defaults::edge_enhancement;
-    run.mkn.add(QZ_MKN_U32, 519, &block.payload, 3);
+    tuned_step<ISP_MAKERNOTE_EDGE_ENHANCEMENT>(
+        run, run.record.edge_enhancement, run.tuning.edge_enhancement, defaults::edge_enhancement, run.edge_on(),
+        defaults::edge_enhancement_off, [&run](const isp_table_slot &slot, aic_params_3 &out) {
+            auto &[p0, p1, p2] = out.param;
+            compute_edge_enhancement(run.gain, run.input.sharpness, &slot, &p0, &p1, &p2);
+        });
 }
 
-void noise_reduction_step(const frame_run &run)
+void noise_reduction_step(frame_run &run)
 {
-    auto &block = run.record.noise_reduction;
-    write_header(block);
-    if (!run.bayer_nr_on()) {
-        block.payload = defaults::noise_reduction_off;
-        return;
-    }
-    auto &param = block.payload.param;
-    if (run.tuning.noise_reduction.record != nullptr)
-        compute_noise_reduction(run.gain, &run.tuning.noise_reduction, run.input.nr_strength, &param[0], &param[1],
-                                &param[2], &param[3], &param[4]);
-    else
-        block.payload = defaults::noise_reduction;
-    run.mkn.add(QZ_MKN_U32, 518, &block.payload, 5);
+    tuned_step<ISP_MAKERNOTE_NOISE_REDUCTION>(
+        run, run.record.noise_reduction, run.tuning.noise_reduction, defaults::noise_reduction, run.bayer_nr_on(),
+        defaults::noise_reduction_off, [&run](const isp_table_slot &slot, aic_noise_reduction &out) {
+            auto &[p0, p1, p2, p3, p4] = out.param;
+            compute_noise_reduction(run.gain, &slot, run.input.nr_strength, &p0, &p1, &p2, &p3, &p4);
+        });
 }
 
-void xnr_step(const frame_run &run)
+// Only a computed value fills the payload's upper half.
+void xnr_step(frame_run &run)
 {
     auto &block = run.record.xnr;
     write_header(block);
@@ -148,7 +133,7 @@ void xnr_step(const frame_run &run)
     else
         compute_xnr(run.gain, &run.tuning.xnr, &block.payload.word);
     if (run.nr_on())
-        run.mkn.add(QZ_MKN_U16, 521, &block.payload, 1);
+        run.mkn.add<ISP_MAKERNOTE_XNR>(block.payload);
 }
 
 } // namespace qz

@@ -6,37 +6,25 @@ namespace {
 
 constexpr size_t field_count = 8;
 
-template <typename T>
-struct row {
-    uint16_t key;
-    T field[field_count];
-};
-
-static_assert(sizeof(row<uint8_t>) == 10);
-static_assert(sizeof(row<uint16_t>) == 18);
-
-// A positive strength makes the fields smaller.
-constexpr qz::strength_span fivefold_to_fifth = {-0.8, 4.0};
-
 // False when there are no rows.
-template <typename T>
+template <typename Row>
 bool interpolate(uint16_t gain, const isp_record *record, const void *table, uint16_t *fields)
 {
-    const qz::gain_rows<row<T>> rows(record, table);
+    const qz::gain_rows<Row> rows(record, table);
     if (rows.empty())
         return false;
 
     const auto pair = rows.around(gain);
     for (size_t k = 0; k < field_count; ++k)
-        fields[k] = static_cast<uint16_t>(pair.at(&row<T>::field, k));
+        fields[k] = static_cast<uint16_t>(pair.at(&Row::field, k));
     return true;
 }
 
 bool interpolate(uint16_t gain, const isp_chroma_nr_slot &slot, uint16_t *fields)
 {
     if (slot.data == nullptr)
-        return interpolate<uint16_t>(gain, slot.record, slot.data_alt, fields);
-    if (!interpolate<uint8_t>(gain, slot.record, slot.data, fields))
+        return interpolate<isp_chroma_nr_alt_row>(gain, slot.record, slot.data_alt, fields);
+    if (!interpolate<isp_chroma_nr_row>(gain, slot.record, slot.data, fields))
         return false;
     // In 8 bits these two are tuned in units of 32.
     fields[0] = static_cast<uint16_t>(fields[0] << 5);
@@ -51,7 +39,8 @@ void compute_chroma_nr(uint16_t gain, const isp_chroma_nr_slot *slot, int8_t str
     if (!interpolate(gain, *slot, fields) || strength == 0)
         return;
 
-    const float factor = qz::strength_factor(strength, fivefold_to_fifth);
+    constexpr qz::strength_rule rule = qz::chroma_nr_strength;
+    const float factor = qz::strength_factor(strength, rule);
     for (size_t k = 2; k < field_count; ++k)
-        fields[k] = qz::scaled_to_13_bits(fields[k], factor);
+        fields[k] = qz::scaled_16_bits(fields[k], factor, rule.limit);
 }

@@ -7,15 +7,8 @@
 
 namespace {
 
-struct row {
-    uint16_t key;
-    uint16_t unsigned_field[6]; // for fields 4 to 9
-    int16_t signed_field[2];    // for fields 10 and 11
-};
-
-struct extra_row {
-    uint16_t field[4]; // for fields 0 to 3
-};
+using row = isp_fringe_control_row;
+using extra_row = isp_fringe_control_extra_row;
 
 // Fields 0 to 11 before they are brought to 13 bits.
 using wide_fields = int32_t[12];
@@ -76,9 +69,9 @@ void compute_fringe_control(uint16_t gain, const isp_fringe_control_slot *slot, 
     const auto *extra = static_cast<const extra_row *>(slot->extra);
     const auto pair = rows.around(gain);
     if (extra != nullptr)
-        interpolate(pair.in(extra), &extra_row::field, fields);
-    int32_t *const fields_10_to_11 = interpolate(pair, &row::unsigned_field, fields + 4);
-    interpolate(pair, &row::signed_field, fields_10_to_11);
+        interpolate(pair.in(extra), &extra_row::field_0_to_3, fields);
+    int32_t *const fields_10_to_11 = interpolate(pair, &row::field_4_to_9, fields + 4);
+    interpolate(pair, &row::field_10_to_11, fields_10_to_11);
     for (size_t k = 4; k < 8; ++k)
         fields[k] = moved(fields[k], sharpness);
 

@@ -3,10 +3,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
+#include <span>
 
 #include "qz_isp/gain.h"
 #include "qz_isp/tuning.h"
+#include "tuning/record_view.h"
+#include "util/gain_bracket.h"
 
 namespace qz {
 
@@ -19,7 +21,7 @@ struct gain_bracket {
     uint16_t gain;
 };
 
-// Columns of the two rows around a gain, interpolated. Rows are a struct of the block's own with one member a column.
+// Columns of the two rows around a gain, interpolated. Rows are the struct of the kind of record.
 template <typename Row>
 class row_pair {
   public:
@@ -59,41 +61,25 @@ class row_pair {
     gain_bracket bracket_;
 };
 
-// The rows of a slot; none when the slot is empty. Rows begin with a member `uint16_t key` and need not be sorted.
+// The rows of a slot, which need not be sorted; none when the slot is empty.
 template <typename Row>
 class gain_rows {
   public:
-    gain_rows(const isp_record *record, const void *rows) : rows_(static_cast<const Row *>(rows))
-    {
-        if (record != nullptr && rows != nullptr)
-            std::memcpy(&count_, record + 1, sizeof count_);
-    }
+    gain_rows(const isp_record *record, const void *rows) : rows_(short_rows<Row>(record, rows)) {}
 
     explicit gain_rows(const isp_table_slot &slot) : gain_rows(slot.record, slot.data) {}
 
-    bool empty() const { return count_ == 0; }
+    bool empty() const { return rows_.empty(); }
 
-    // The row with the largest key not above the gain and the one with the smallest key not below it, of equal keys the
-    // first; outside the table, the nearer end twice. The table must not be empty.
+    // The table must not be empty.
     row_pair<Row> around(uint16_t gain) const
     {
-        const Row *lower = nullptr;
-        const Row *upper = nullptr;
-        for (const Row *row = rows_; row != rows_ + count_; ++row) {
-            if (row->key <= gain && (lower == nullptr || row->key > lower->key))
-                lower = row;
-            if (row->key >= gain && (upper == nullptr || row->key < upper->key))
-                upper = row;
-        }
-        lower = lower != nullptr ? lower : upper;
-        upper = upper != nullptr ? upper : lower;
-        return {rows_,
-                {static_cast<size_t>(lower - rows_), static_cast<size_t>(upper - rows_), lower->key, upper->key, gain}};
+        const auto [lower, upper] = rows_around(gain, rows_.size(), [this](size_t row) { return rows_[row].key; });
+        return {rows_.data(), {lower, upper, rows_[lower].key, rows_[upper].key, gain}};
     }
 
   private:
-    const Row *rows_;
-    uint16_t count_ = 0;
+    std::span<const Row> rows_;
 };
 
 } // namespace qz

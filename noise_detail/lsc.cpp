@@ -6,6 +6,7 @@
 #include "qz_isp/error.h"
 #include "qz_isp/noise_detail.h"
 #include "util/float_to_int.h"
+#include "util/simd/dispatch.h"
 
 namespace {
 
@@ -19,27 +20,28 @@ uint32_t table_address(uintptr_t address, size_t offset)
     return static_cast<uint32_t>(AIC_FIXED_SIZE + AIC_LENS_SHADING_TABLES_OFFSET + offset);
 }
 
-// Leaves the table as it is where the routines refuse the sizes or memory runs out.
-void resample(const isp_lsc_params &input, size_t channel, const qz::lsc_grid &grid, uint16_t *table)
+// False, with the table as it was, where the routines refuse the sizes or memory runs out.
+bool resample(const isp_lsc_params &input, size_t channel, const qz::lsc_grid &grid, uint16_t *table)
 {
     const auto columns = static_cast<uint16_t>(grid.columns);
     const auto rows = static_cast<uint16_t>(grid.rows);
-    if (input.height > rows && input.width > columns)
-        image_downscale_32f_to_u16p10(&input.grid[channel], &table, input.width, input.height, columns, rows, 1,
-                                      nullptr);
-    else
-        bicubic_resize_32f_to_u16p10(input.grid[channel], input.height, input.width, table, rows, columns);
+    const bool smaller = input.height > rows && input.width > columns;
+    const uint32_t status =
+        smaller ? image_downscale_32f_to_u16p10(&input.grid[channel], &table, input.width, input.height, columns, rows,
+                                                1, nullptr)
+                : bicubic_resize_32f_to_u16p10(input.grid[channel], input.height, input.width, table, rows, columns);
+    return status == ISP_SUCCESS;
 }
 
 // From p10 to the record's format, with the channel's factor.
-void convert(uint16_t *table, uint32_t entries, float factor, uint32_t format)
+QZ_ALWAYS_INLINE void convert(uint16_t *table, uint32_t entries, float factor, uint32_t format)
 {
     if (format == 8) {
         for (uint32_t i = 0; i < entries; ++i)
-            table[i] = static_cast<uint16_t>(qz::truncate_to_u32(static_cast<float>(table[i]) * factor) >> 2);
+            table[i] = qz::truncate_quarter_to_low_16(static_cast<float>(table[i]) * factor);
     } else if (format == 10) {
         for (uint32_t i = 0; i < entries; ++i)
-            table[i] = static_cast<uint16_t>(qz::truncate_to_i32(static_cast<float>(table[i]) * factor));
+            table[i] = qz::truncate_to_low_16(static_cast<float>(table[i]) * factor);
     }
 }
 
@@ -71,8 +73,9 @@ uint32_t compute_lsc(const isp_sensor_description *sensor, const isp_lsc_params 
 
     for (size_t c = 0; c < channel_count; ++c) {
         auto *table = std::bit_cast<uint16_t *>(tables + c * table_bytes);
-        resample(*shading_input, c, grid, table);
-        convert(table, grid.entries(), channel_factors != nullptr ? channel_factors[c] : 1.0f, *format);
+        if (resample(*shading_input, c, grid, table))
+            qz::run_loop<convert>(table, grid.entries(), channel_factors != nullptr ? channel_factors[c] : 1.0f,
+                                  *format);
     }
     return ISP_SUCCESS;
 }

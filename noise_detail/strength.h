@@ -1,4 +1,4 @@
-// Factors of the manual strengths, and the scaling of hardware fields by them.
+// Factors of the manual strengths for each block, and the scaling of hardware fields by them.
 #pragma once
 
 #include <algorithm>
@@ -8,20 +8,25 @@
 
 namespace qz {
 
-// What is added to a factor of 1.0 at the ends of the strength's range.
-struct strength_span {
-    double at_127;
+struct strength_rule {
+    double at_127; // what is added to a factor of 1.0 at the ends of the strength's range
     double at_minus_128;
+    uint32_t limit = 0; // of what a strength other than 0 gives; 0: none
 };
 
-inline constexpr strength_span fifth_to_fivefold = {4.0, -0.8};
+inline constexpr strength_rule temporal_noise_reduction_strength = {4.0, -0.8}; // a fifth to fivefold
+inline constexpr strength_rule noise_reduction_strength = {4.0, -0.8, 65535};
+inline constexpr strength_rule y_edge_enhancement_strength = {4.0, -0.8, 8191};
+inline constexpr strength_rule chroma_nr_strength = {-0.8, 4.0, 8191};      // the other way round
+inline constexpr strength_rule edge_enhancement_strength_0 = {2.0, -0.667}; // of parameter 0: a third to threefold
+inline constexpr strength_rule edge_enhancement_strength_2 = {1.0, -0.5};   // of parameter 2: half to twofold
 
 // Linear on either side of 0; 1.0 at 0.
-inline float strength_factor(int8_t strength, const strength_span &span)
+constexpr float strength_factor(int8_t strength, const strength_rule &rule)
 {
     if (strength > 0)
-        return static_cast<float>(1.0 + strength * span.at_127 / 127.0);
-    return static_cast<float>(1.0 + strength * -span.at_minus_128 / 128.0);
+        return static_cast<float>(1.0 + strength * rule.at_127 / 127.0);
+    return static_cast<float>(1.0 + strength * -rule.at_minus_128 / 128.0);
 }
 
 // The integer part. A factor of 1.0 keeps every value, also those that wrapped to more digits than a float has.
@@ -30,11 +35,11 @@ inline uint32_t scaled(uint32_t value, float factor)
     return factor == 1.0f ? value : truncate_to_u32(static_cast<float>(value) * factor);
 }
 
-// The low 16 bits of the integer part, limited to what a 13-bit field holds.
-inline uint16_t scaled_to_13_bits(uint16_t value, float factor)
+// The low 16 bits of the integer part, limited.
+inline uint16_t scaled_16_bits(uint16_t value, float factor, uint32_t limit)
 {
     const int32_t product = truncate_to_i32(static_cast<float>(value) * factor);
-    return std::min(static_cast<uint16_t>(product), uint16_t{8191});
+    return static_cast<uint16_t>(std::min<uint32_t>(static_cast<uint16_t>(product), limit));
 }
 
 } // namespace qz

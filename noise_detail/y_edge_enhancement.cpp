@@ -2,18 +2,10 @@
 #include "noise_detail/strength.h"
 #include "qz_isp/noise_detail.h"
 
-namespace {
-
-struct row {
-    uint16_t key;
-    uint16_t param[4];
-};
-
-} // namespace
-
 void compute_y_edge_enhancement(uint16_t gain, const isp_table_slot *slot, int8_t sharpness, uint16_t *param0,
                                 uint16_t *param1, uint16_t *param2, uint16_t *param3)
 {
+    using row = isp_y_edge_enhancement_row;
     const qz::gain_rows<row> rows(*slot);
     if (rows.empty())
         return;
@@ -25,7 +17,8 @@ void compute_y_edge_enhancement(uint16_t gain, const isp_table_slot *slot, int8_
     if (sharpness == 0)
         return;
 
-    const float factor = qz::strength_factor(sharpness, qz::fifth_to_fivefold);
+    constexpr qz::strength_rule rule = qz::y_edge_enhancement_strength;
+    const float factor = qz::strength_factor(sharpness, rule);
     for (uint16_t *param : params)
-        *param = qz::scaled_to_13_bits(*param, factor);
+        *param = qz::scaled_16_bits(*param, factor, rule.limit);
 }

@@ -87,12 +87,19 @@ qz_mkn *qz_mkn_create(void)
     return static_cast<qz_mkn *>(calloc(1, sizeof(qz_mkn)));
 }
 
+void qz_mkn_clear(qz_mkn *mkn)
+{
+    for (uint32_t i = 0; i < mkn->count; ++i)
+        free(mkn->records[i]);
+    mkn->count = 0;
+    mkn->dropped = 0;
+}
+
 void qz_mkn_destroy(qz_mkn *mkn)
 {
     if (mkn == nullptr)
         return;
-    for (uint32_t i = 0; i < mkn->count; ++i)
-        free(mkn->records[i]);
+    qz_mkn_clear(mkn);
     free(mkn->records);
     free(mkn);
 }

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "util/vectors.h"
+#include "util/simd/vectors.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "qz_isp/context.h"
 #include "qz_isp/error.h"
 #include "qz_mkn.h"
-#include "tuning/bytes.h"
+#include "tuning/record_view.h"
 #include "tuning/slots.h"
 #include "tuning/store_record.h"
 
@@ -15,16 +15,13 @@ namespace qz {
 namespace {
 
 constexpr char tag[4] = {'V', 'U', 'X', 'B'};
-constexpr uint32_t record_header_size = 8;
-constexpr uint32_t rule_record_id = 709;
-constexpr uint32_t set_container_base = 64512; // id less base = set index
 
 // Records back to back; a rest of up to a record header's size is ignored.
 struct record_list {
     const uint8_t *bytes;
     uint32_t length;
 
-    bool done() const { return length <= record_header_size; }
+    bool done() const { return length <= ISP_RECORD_HEADER_SIZE; }
 };
 
 // A record list being walked and the set index that its records belong to.
@@ -81,123 +78,115 @@ class walk_stack {
     size_t capacity_ = few;
 };
 
-// Makes room for set indices below count; the sets there are keep their records.
-bool grow_sets(isp_context &context, int32_t count)
-{
-    const auto sets = static_cast<size_t>(count);
-    auto *block = static_cast<isp_tuning_set *>(std::calloc(3 * sets, sizeof(isp_tuning_set)));
-    if (block == nullptr)
-        return false;
-    isp_tuning_set *old_block = context.tuning_sets[0];
-    for (size_t i = 0; i < 3; ++i) {
-        isp_tuning_set *grown = block + i * sets;
-        if (context.set_count > 0)
-            std::copy_n(context.tuning_sets[i], context.set_count, grown);
-        context.tuning_sets[i] = grown;
-    }
-    std::free(old_block);
-    context.set_count = count;
-    return true;
-}
-
 // Finds the records inside a set container; false when it is tagged but too short for the header that the tag opens.
 bool nested_list(const uint8_t *record, uint32_t size, record_list &list)
 {
-    constexpr uint32_t tagged_start = record_header_size + QZ_MKN_HEADER_SIZE;
-    const bool tagged =
-        size >= record_header_size + sizeof tag && std::memcmp(record + record_header_size, tag, sizeof tag) == 0;
+    constexpr uint32_t tagged_start = ISP_RECORD_HEADER_SIZE + QZ_MKN_HEADER_SIZE;
+    const bool tagged = size >= ISP_RECORD_HEADER_SIZE + sizeof tag &&
+                        std::memcmp(record + ISP_RECORD_HEADER_SIZE, tag, sizeof tag) == 0;
     if (tagged && size < tagged_start)
         return false;
-    const uint32_t start = tagged ? tagged_start : record_header_size;
+    const uint32_t start = tagged ? tagged_start : ISP_RECORD_HEADER_SIZE;
     list = {record + start, size - start};
     return true;
 }
 
-void refer_to_rules(isp_rule_ref &rules, const uint8_t *record, uint32_t size)
-{
-    constexpr uint32_t rules_start = 16;
-    constexpr uint64_t rule_size = 16;
-    if (size < rules_start)
-        return;
-    const auto count = read_at<uint32_t>(record, 12);
-    rules.record = record;
-    rules.first_rule = count * rule_size + rules_start <= size ? record + rules_start : nullptr;
-}
+// A record that the walk has come to; its size is at least that of its header, and within its list.
+struct walked_record {
+    const uint8_t *bytes;
+    uint32_t size;
+    uint16_t id;
+    int32_t set_index;
 
-// Where a record of a family goes.
-struct family_place {
-    record_family family;
-    uint32_t set;    // 0 to 2
-    uint32_t offset; // id less the base of its group
+    bool is_set_container() const { return id > ISP_SET_CONTAINER_BASE; }
+    // Of its own records.
+    int32_t nested_index() const { return id - static_cast<int32_t>(ISP_SET_CONTAINER_BASE); }
 };
 
-bool find_family(uint32_t id, family_place &place)
-{
-    struct family_base {
-        uint32_t base;
-        record_family family;
-    };
-    constexpr family_base families[] = {
-        {320, record_family::f320}, {768, record_family::f768}, {1536, record_family::f1536}};
-    constexpr uint32_t group_size = 64;
-    constexpr uint32_t set_of_group[] = {0, 2, 1};
-    for (const auto &candidate : families) {
-        const uint32_t distance = id - candidate.base;
-        if (id >= candidate.base && distance < std::size(set_of_group) * group_size) {
-            place = {candidate.family, set_of_group[distance / group_size], distance % group_size};
-            return true;
-        }
-    }
-    return false;
-}
-
-uint32_t enter_set_container(walk_stack &stack, isp_context &context, const uint8_t *record, uint32_t size,
-                             int32_t set_index)
-{
-    if (set_index >= context.set_count && !grow_sets(context, set_index + 1))
-        return ISP_OUT_OF_MEMORY;
-    record_list nested = {};
-    if (!nested_list(record, size, nested))
-        return ISP_INVALID_DATA;
-    if (stack.top().rest.done())
-        stack.pop();
-    return stack.push({nested, set_index}) ? ISP_SUCCESS : ISP_OUT_OF_MEMORY;
-}
-
-uint32_t file_record(walk_stack &stack, isp_context &context, const uint8_t *record, uint32_t size, int32_t set_index)
-{
-    const uint32_t id = read_at<uint16_t>(record, 6);
-    family_place place = {};
-    if (find_family(id, place))
-        return store_record(record, size, kind_of(place.family, place.offset),
-                            context.tuning_sets[place.set][set_index]);
-    if (id == rule_record_id)
-        refer_to_rules(context.rules, record, size);
-    else if (id > set_container_base)
-        return enter_set_container(stack, context, record, size, static_cast<int32_t>(id - set_container_base));
-    return ISP_SUCCESS;
-}
-
-uint32_t parse_records(record_list list, isp_context &context)
+// Calls visit, which returns a status, with every record in the order of the bytes, set containers before the records
+// inside. Ends with the first status that is not success.
+template <typename Visit>
+uint32_t walk(record_list list, const Visit &visit)
 {
     walk_stack stack;
     stack.push({list, 0});
     while (!stack.empty()) {
-        walk_level &level = stack.top();
-        if (level.rest.done()) {
+        auto &[rest, set_index] = stack.top();
+        if (rest.done()) {
             stack.pop();
             continue;
         }
-        const uint8_t *record = level.rest.bytes;
-        const auto size = read_at<uint32_t>(record, 0);
-        if (size < record_header_size || size > level.rest.length)
+        const walked_record record = {rest.bytes, value_at<uint32_t>(rest.bytes, offsetof(isp_record, size)),
+                                      value_at<uint16_t>(rest.bytes, offsetof(isp_record, id)), set_index};
+        if (record.size < ISP_RECORD_HEADER_SIZE || record.size > rest.length)
             return ISP_INVALID_DATA;
-        level.rest = {record + size, level.rest.length - size};
-        const uint32_t status = file_record(stack, context, record, size, level.set_index);
+        rest = {rest.bytes + record.size, rest.length - record.size};
+        const uint32_t status = visit(record);
         if (status != ISP_SUCCESS)
             return status;
+        if (!record.is_set_container())
+            continue;
+        record_list nested = {};
+        if (!nested_list(record.bytes, record.size, nested))
+            return ISP_INVALID_DATA;
+        if (rest.done())
+            stack.pop();
+        if (!stack.push({nested, record.nested_index()}))
+            return ISP_OUT_OF_MEMORY;
     }
     return ISP_SUCCESS;
+}
+
+// Finds all that is wrong with a container before anything is made of it, and how many set indices it has.
+uint32_t check_records(record_list list, int32_t &set_count)
+{
+    set_count = 1;
+    return walk(list, [&](const walked_record &record) -> uint32_t {
+        if (record.is_set_container())
+            set_count = std::max(set_count, record.nested_index() + 1);
+        const std::optional<record_place> place = place_of(record.id);
+        return place && place->refused ? ISP_INVALID_DATA : ISP_SUCCESS;
+    });
+}
+
+bool allocate_sets(isp_context &context, int32_t set_count)
+{
+    const auto sets = static_cast<size_t>(set_count);
+    auto *block = static_cast<isp_tuning_set *>(std::calloc(3 * sets, sizeof(isp_tuning_set)));
+    if (block == nullptr)
+        return false;
+    for (isp_tuning_set *&array : context.tuning_sets) {
+        array = block;
+        block += sets;
+    }
+    context.set_count = set_count;
+    return true;
+}
+
+void refer_to_rules(isp_rule_ref &rules, const walked_record &record)
+{
+    if (record.size < ISP_RULES_START)
+        return;
+    const uint64_t count = value_at<uint32_t>(record.bytes, ISP_RULE_COUNT_AT);
+    const bool fits = count * sizeof(isp_selection_rule) + ISP_RULES_START <= record.size;
+    rules.record = record.bytes;
+    rules.first_rule = fits ? record.bytes + ISP_RULES_START : nullptr;
+}
+
+uint32_t file_records(record_list list, isp_context &context)
+{
+    row_count_log log;
+    const uint32_t status = walk(list, [&](const walked_record &record) -> uint32_t {
+        if (record.id == ISP_RULES_ID)
+            refer_to_rules(context.rules, record);
+        const std::optional<record_place> place = place_of(record.id);
+        if (!place || place->kind == nullptr)
+            return ISP_SUCCESS;
+        isp_tuning_set &set = context.tuning_sets[place->set][record.set_index];
+        return store_record(record.bytes, record.size, *place->kind, set, log) ? ISP_SUCCESS : ISP_OUT_OF_MEMORY;
+    });
+    log.finish();
+    return status;
 }
 
 void free_records(isp_tuning_set &set)
@@ -219,12 +208,17 @@ uint32_t isp_parse(const isp_blob *container, isp_context *context)
         !qz_mkn_is_valid(container, tag_value))
         return ISP_INVALID_ARGUMENT;
     isp_parse_deinit(context);
-    if (!qz::grow_sets(*context, 1))
-        return ISP_OUT_OF_MEMORY;
+    context->rules = {};
 
-    const auto *bytes = static_cast<const uint8_t *>(container->data);
-    const uint32_t status =
-        qz::parse_records({bytes + QZ_MKN_HEADER_SIZE, container->size - QZ_MKN_HEADER_SIZE}, *context);
+    const qz::record_list list = {static_cast<const uint8_t *>(container->data) + QZ_MKN_HEADER_SIZE,
+                                  container->size - QZ_MKN_HEADER_SIZE};
+    int32_t set_count = 0;
+    uint32_t status = qz::check_records(list, set_count);
+    if (status != ISP_SUCCESS)
+        return status;
+    if (!qz::allocate_sets(*context, set_count))
+        return ISP_OUT_OF_MEMORY;
+    status = qz::file_records(list, *context);
     if (status != ISP_SUCCESS)
         isp_parse_deinit(context);
     return status;

@@ -1,98 +1,124 @@
 #include "tuning/record_kinds.h"
 
+#include <algorithm>
+#include <array>
+#include <iterator>
+
 #include "tuning/slots.h"
 
 namespace qz {
 namespace {
 
-constexpr uint8_t rows_320_at = 10;
-constexpr uint8_t rows_long_at = 20;
+// Payload and fixed size follow from where the record's part starts, and from whether the slot keeps its address.
+#define QZ_KIND(name, slot, in_320, in_768, in_1536, layout, start, part, size)                                        \
+    {record_name::name,                                                                                                \
+     QZ_SLOT_GROUP(slot).first,                                                                                        \
+     QZ_SLOT_GROUP(slot).slots > 1 ? (start) : 0,                                                                      \
+     (start) + (ISP_LAYOUT_##layout == ISP_LAYOUT_VALUES ? (size) : 0),                                                \
+     ISP_LAYOUT_##layout,                                                                                              \
+     size},
+constexpr record_kind kinds[] = {ISP_TUNING_RECORDS(QZ_KIND)};
+#undef QZ_KIND
 
-// A gain-indexed record whose rows start with a u16 key.
-constexpr record_kind short_rows(slot_group group, uint16_t row_size, filing how = filing::plain)
+constexpr size_t start_of(isp_record_layout layout, size_t listed)
 {
-    return {how, group.first, rows_320_at, rows_320_at, row_counter::u16_at_8, row_size};
-}
-
-// A gain-indexed record of 32-bit rows, each a key and @p values values.
-constexpr record_kind long_rows(slot_group group, uint16_t values)
-{
-    const auto row_size = static_cast<uint16_t>(4 * (values + 1));
-    return {filing::plain, group.first, rows_long_at, rows_long_at, row_counter::i32_at_16, row_size};
-}
-
-// A record that is held with a payload whose contents nobody reads.
-constexpr record_kind held(slot_group group, uint8_t payload)
-{
-    return {.how = filing::plain, .slot = group.first, .payload = payload, .fixed_size = payload};
-}
-
-// A record that is read at fixed byte positions below @p fixed_size.
-constexpr record_kind whole(slot_group group, uint8_t fixed_size, filing how = filing::plain)
-{
-    return {.how = how, .slot = group.first, .fixed_size = fixed_size};
-}
-
-constexpr record_kind dropped = {.how = filing::dropped};
-
-constexpr record_kind rec_1 = held(QZ_SLOT_GROUP(rec_1), 24);
-constexpr record_kind rec_2 = whole(QZ_SLOT_GROUP(rec_2), 8);
-constexpr record_kind macc = short_rows(QZ_SLOT_GROUP(macc), 132);
-constexpr record_kind rec_13 = whole(QZ_SLOT_GROUP(rec_13), 12, filing::rec_13);
-constexpr record_kind rec_16 = whole(QZ_SLOT_GROUP(rec_16), 12);
-
-record_kind short_kind(uint32_t offset)
-{
-    switch (offset) {
-    case 1: return rec_1;
-    case 2: return rec_2;
-    case 3: return whole(QZ_SLOT_GROUP(rec_3), 14);
-    case 5: return macc;
-    case 6: return short_rows(QZ_SLOT_GROUP(defect_pixel_correction), 6);
-    case 7: return short_rows(QZ_SLOT_GROUP(noise_reduction), 12);
-    case 8: return short_rows(QZ_SLOT_GROUP(edge_enhancement), 8);
-    case 9: return short_rows(QZ_SLOT_GROUP(y_edge_enhancement), 10);
-    case 10: return short_rows(QZ_SLOT_GROUP(fringe_control), 18, filing::fringe_control);
-    case 11: return short_rows(QZ_SLOT_GROUP(chroma_nr), 10, filing::chroma_nr);
-    case 12: return whole(QZ_SLOT_GROUP(ctc_config), 30);
-    case 13: return rec_13;
-    case 14: return short_rows(QZ_SLOT_GROUP(temporal_noise_reduction), 8);
-    case 15: return short_rows(QZ_SLOT_GROUP(xnr), 4);
-    case 16: return rec_16;
-    case 18: return short_rows(QZ_SLOT_GROUP(chroma_nr), 18, filing::chroma_nr_alt);
-    case 20: return held(QZ_SLOT_GROUP(rec_20), 20);
-    case 4:
-    case 17: return dropped;
-    default: return {};
+    switch (layout) {
+    case ISP_LAYOUT_HELD:
+    default: return listed;
+    case ISP_LAYOUT_VALUES: return ISP_RECORD_HEADER_SIZE;
+    case ISP_LAYOUT_ROWS:
+    case ISP_LAYOUT_ROWS_AND_MORE:
+    case ISP_LAYOUT_ENTRIES: return ISP_SHORT_ROW_COUNT_AT + sizeof(uint16_t);
+    case ISP_LAYOUT_LONG_ROWS: return ISP_LONG_ROW_COUNT_AT + sizeof(int32_t);
     }
 }
 
-record_kind long_kind(record_family family, uint32_t offset)
+#define QZ_CHECK_RECORD(name, slot, in_320, in_768, in_1536, layout, start, part, size)                                \
+    static_assert(sizeof(part) == (size), #part " has the size of the record's rows or values");                       \
+    static_assert((start) % alignof(part) == 0, #part " is read in place");                                            \
+    static_assert(start_of(ISP_LAYOUT_##layout, start) == (start), #name " starts where its layout says");
+ISP_TUNING_RECORDS(QZ_CHECK_RECORD)
+#undef QZ_CHECK_RECORD
+static_assert(sizeof(isp_fringe_control_extra_row) == 8);
+static_assert(sizeof(isp_selection_rule) == 16);
+
+static_assert(std::ranges::all_of(slot_groups,
+                                  [](slot_group group) {
+                                      return std::ranges::find(kinds, group.first, &record_kind::slot) !=
+                                             std::end(kinds);
+                                  }),
+              "every slot has a kind of record");
+static_assert(std::ranges::all_of(kinds,
+                                  [](const record_kind &kind) {
+                                      return std::ranges::find(slot_groups, kind.slot, &slot_group::first) !=
+                                             std::end(slot_groups);
+                                  }),
+              "every kind of record has a slot");
+
+enum id_family : uint8_t { family_320, family_768, family_1536, family_count };
+
+// By family; 0: none.
+using id_offsets = std::array<uint8_t, family_count>;
+
+#define QZ_OFFSETS(name, slot, in_320, in_768, in_1536, layout, start, part, size) id_offsets{in_320, in_768, in_1536},
+constexpr id_offsets offsets[] = {ISP_TUNING_RECORDS(QZ_OFFSETS)};
+#undef QZ_OFFSETS
+
+// By id offset, a number in kinds or one of these.
+using kind_numbers = std::array<uint8_t, ISP_TUNING_GROUP_IDS>;
+constexpr uint8_t dropped = 0xfe;
+constexpr uint8_t refused = 0xff;
+
+consteval kind_numbers numbers_in(id_family family)
 {
-    switch (offset) {
-    case 1: return rec_1;
-    case 2: return rec_2;
-    case 3: return long_rows(QZ_SLOT_GROUP(long_3), 3);
-    case 4: return family == record_family::f768 ? held(QZ_SLOT_GROUP(long_4), rows_long_at) : dropped;
-    case 5: return long_rows(QZ_SLOT_GROUP(long_5), 147);
-    case 6: return long_rows(QZ_SLOT_GROUP(long_6), 295);
-    case 7: return long_rows(QZ_SLOT_GROUP(long_7), 62);
-    case 10: return macc;
-    case 11: return long_rows(QZ_SLOT_GROUP(long_11), 14);
-    case 12: return long_rows(QZ_SLOT_GROUP(long_12), 97);
-    case 13: return long_rows(QZ_SLOT_GROUP(long_13), 6);
-    case 14: return family == record_family::f768 ? held(QZ_SLOT_GROUP(long_14), rows_long_at) : dropped;
-    case 15: return rec_13;
-    case 16: return rec_16;
-    default: return dropped;
+    kind_numbers numbers;
+    numbers.fill(family == family_320 ? refused : dropped);
+#define QZ_DROPPED(offset)                                                                                             \
+    if (family == family_320)                                                                                          \
+        numbers[offset] = dropped;
+    ISP_TUNING_DROPPED_IN_320(QZ_DROPPED)
+#undef QZ_DROPPED
+    uint8_t number = 0;
+    for (const id_offsets &each : offsets) {
+        if (each[family] != 0)
+            numbers[each[family]] = number;
+        ++number;
     }
+    return numbers;
 }
+
+constexpr kind_numbers numbers[] = {numbers_in(family_320), numbers_in(family_768), numbers_in(family_1536)};
+
+consteval bool offsets_are_unique(id_family family)
+{
+    return std::ranges::count_if(offsets, [=](const id_offsets &each) { return each[family] != 0; }) ==
+           std::ranges::count_if(numbers[family], [](uint8_t number) { return number < std::size(kinds); });
+}
+static_assert(offsets_are_unique(family_320) && offsets_are_unique(family_768) && offsets_are_unique(family_1536),
+              "no two kinds of record have one id");
+
+struct id_group {
+    id_family family;
+    uint16_t first;
+    uint8_t set;
+};
+
+#define QZ_GROUP(family, first, set) {family_##family, first, set},
+constexpr id_group groups[] = {ISP_TUNING_GROUPS(QZ_GROUP)};
+#undef QZ_GROUP
 
 } // namespace
 
-record_kind kind_of(record_family family, uint32_t offset)
+std::optional<record_place> place_of(uint16_t id)
 {
-    return family == record_family::f320 ? short_kind(offset) : long_kind(family, offset);
+    for (const id_group &group : groups) {
+        const auto offset = static_cast<uint32_t>(id - group.first);
+        if (offset >= ISP_TUNING_GROUP_IDS)
+            continue;
+        const uint8_t number = numbers[group.family][offset];
+        return record_place{number < std::size(kinds) ? &kinds[number] : nullptr, group.set, number == refused};
+    }
+    return std::nullopt;
 }
 
 } // namespace qz

@@ -1,75 +1,66 @@
 // Per-frame selection of tuning records.
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
 #include "qz_isp/context.h"
 #include "qz_isp/error.h"
-#include "tuning/bytes.h"
+#include "tuning/record_view.h"
+#include "tuning/selection_rule.h"
 #include "tuning/slots.h"
 
 namespace qz {
 namespace {
 
-// The sets of one set index in the order in which they are asked for a record.
-struct candidates {
-    const isp_tuning_set *sets[3];
-};
-
-candidates candidates_of(uint32_t tuning_mode, const isp_context &context, int32_t set_index)
+// Fills the output's empty groups, each from the first of an index's sets that has a record for it.
+void merge_tuning_sets(const isp_context &context, uint32_t tuning_mode, int32_t set_index, isp_tuning_set &output)
 {
-    const auto set = [&](size_t i) { return &context.tuning_sets[i][set_index]; };
-    switch (tuning_mode) {
-    case 0: return {{set(1), set(2), set(0)}};
-    case 3: return {{set(2), set(1), set(0)}};
-    default: return {{set(0), set(1), set(2)}};
-    }
-}
-
-// Fills the output's empty groups, each from the first candidate that has a record for it.
-void merge_tuning_sets(const candidates &from, isp_tuning_set &output)
-{
+    const auto [first, second, third] = set_order(tuning_mode);
+    const auto set = [&](size_t place) { return &context.tuning_sets[place][set_index]; };
+    const isp_tuning_set *const candidates[] = {set(first), set(second), set(third)};
     for (const slot_group group : slot_groups) {
         if (group.first == QZ_SLOT_GROUP(rec_1).first || record_in(output, group.first) != nullptr)
             continue;
-        for (const isp_tuning_set *set : from.sets) {
-            if (record_in(*set, group.first) == nullptr)
+        for (const isp_tuning_set *candidate : candidates) {
+            if (record_in(*candidate, group.first) == nullptr)
                 continue;
-            std::memcpy(slot_address(output, group.first), slot_address(*set, group.first),
+            std::memcpy(slot_address(output, group.first), slot_address(*candidate, group.first),
                         group.slots * sizeof(void *));
             break;
         }
     }
 }
 
-struct selection_rule {
-    uint16_t kind;
-    uint16_t op;
-    uint16_t set_index;
-    double threshold;
-};
-
-selection_rule read_rule(const uint8_t *bytes)
+// Calls merge with the set index of each rule that matches, in their order; with each index once, as the second time
+// would find nothing to fill.
+template <typename Merge>
+void follow_rules(const isp_rule_ref &rules, const isp_geometry *frame, const isp_geometry *aux_size, int32_t set_count,
+                  const Merge &merge)
 {
-    return {read_at<uint16_t>(bytes, 0), read_at<uint16_t>(bytes, 2), read_at<uint16_t>(bytes, 4),
-            read_at<double>(bytes, 8)};
-}
+    constexpr double none = std::numeric_limits<double>::quiet_NaN(); // matches no threshold
+    const auto area_for = [&](uint16_t kind) {
+        const isp_geometry *compared = compared_geometry(kind, frame, aux_size);
+        return compared != nullptr ? area_of(*compared) : none;
+    };
+    const double areas[] = {area_for(0), area_for(1), area_for(2), area_for(3)}; // all kinds above 2 as 3
 
-// Wraps as a signed 32-bit product.
-double area_of(const isp_geometry &geometry)
-{
-    return static_cast<int32_t>(static_cast<uint32_t>(geometry.width) * geometry.height);
-}
+    // By set index: all ops, or none once the index is merged; and none for indices that are not there.
+    uint8_t ops_left[ISP_MAX_SET_INDICES + 1];
+    const size_t sets = std::min<size_t>(static_cast<size_t>(set_count), ISP_MAX_SET_INDICES);
+    std::fill_n(ops_left, sets, uint8_t{0xff});
+    ops_left[sets] = 0;
 
-bool matches(const selection_rule &rule, const isp_geometry *frame, const isp_geometry *aux_size)
-{
-    const isp_geometry *compared = rule.kind == 1 ? frame : rule.kind == 2 ? aux_size : nullptr;
-    if (compared == nullptr)
-        return false;
-    const double area = area_of(*compared);
-    switch (rule.op) {
-    case 1: return area == rule.threshold;
-    case 2: return area < rule.threshold;
-    case 3: return area > rule.threshold;
-    case 4: return area <= rule.threshold;
-    case 5: return area >= rule.threshold;
-    default: return false;
+    const void *const first = rules.first_rule;
+    const size_t rule_count = value_at<uint32_t>(rules.record, ISP_RULE_COUNT_AT);
+    for (size_t i = 0; i < rule_count; ++i) {
+        const auto rule = value_at<isp_selection_rule>(first, i * sizeof(isp_selection_rule));
+        const size_t index = std::min<size_t>(rule.set_index, sets);
+        const double area = areas[std::min<size_t>(rule.kind, 3)];
+        const unsigned ops = matching_ops(area, rule.threshold) & ops_left[index];
+        if ((ops >> std::min<unsigned>(rule.op, 8) & 1u) != 0) {
+            ops_left[index] = 0;
+            merge(rule.set_index);
+        }
     }
 }
 
@@ -88,21 +79,11 @@ uint32_t tuningselector(uint32_t tuning_mode, const isp_context *context, const 
     if (context->tuning_sets[0] == nullptr)
         return ISP_SUCCESS;
 
-    const auto merge = [&](int32_t set_index) {
-        qz::merge_tuning_sets(qz::candidates_of(tuning_mode, *context, set_index), *output);
-    };
+    const auto merge = [&](int32_t set_index) { qz::merge_tuning_sets(*context, tuning_mode, set_index, *output); };
     if (selection_list != nullptr)
         merge(0);
-    if (rules != nullptr && rules->record != nullptr && rules->first_rule != nullptr && set_count >= 2) {
-        constexpr size_t rule_size = 16;
-        const auto rule_count = qz::read_at<uint32_t>(rules->record, 12);
-        const auto *bytes = static_cast<const uint8_t *>(rules->first_rule);
-        for (uint32_t i = 0; i < rule_count; ++i, bytes += rule_size) {
-            const qz::selection_rule rule = qz::read_rule(bytes);
-            if (rule.set_index < set_count && qz::matches(rule, frame, aux_size))
-                merge(rule.set_index);
-        }
-    }
+    if (rules != nullptr && rules->record != nullptr && rules->first_rule != nullptr && set_count >= 2)
+        qz::follow_rules(*rules, frame, aux_size, set_count, merge);
     merge(0);
     return ISP_SUCCESS;
 }

@@ -4,16 +4,11 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "qz_isp/error.h"
-#include "qz_log.h"
-#include "tuning/bytes.h"
+#include "tuning/record_view.h"
 #include "tuning/slots.h"
 
 namespace qz {
 namespace {
-
-constexpr size_t short_count_at = 8;
-constexpr size_t long_count_at = 16;
 
 // Zero-filled and at least min_size bytes long; null when memory runs out.
 isp_record *copy_record(const void *source, uint32_t size, uint32_t min_size)
@@ -24,36 +19,30 @@ isp_record *copy_record(const void *source, uint32_t size, uint32_t min_size)
     return static_cast<isp_record *>(copy);
 }
 
-void log_limited(const isp_record *record, int64_t claimed, uint32_t rows)
+template <typename Count>
+void limit_count(isp_record *record, size_t at, uint32_t fitting, row_count_log &log)
 {
-    qz_log(QZ_LOG_ERROR, "tuning record %u: %lld rows claimed, %u fit", static_cast<unsigned>(record->id),
-           static_cast<long long>(claimed), static_cast<unsigned>(rows));
+    const auto claimed = value_at<Count>(record, at);
+    if (claimed <= int64_t{fitting})
+        return;
+    const auto rows = static_cast<Count>(fitting);
+    std::memcpy(reinterpret_cast<uint8_t *>(record) + at, &rows, sizeof rows);
+    log.add(record->id, claimed, fitting);
 }
 
 // Limits the copy's row count to the rows that the record's bytes hold.
-void limit_rows(isp_record *record, uint32_t size, record_kind kind)
+void limit_rows(isp_record *record, uint32_t size, const record_kind &kind, row_count_log &log)
 {
-    if (kind.counter == row_counter::none)
+    if (kind.layout == ISP_LAYOUT_HELD || kind.layout == ISP_LAYOUT_VALUES)
         return;
-    auto *bytes = reinterpret_cast<uint8_t *>(record);
     const uint32_t fitting = size > kind.payload ? (size - kind.payload) / kind.row_size : 0;
-    if (kind.counter == row_counter::u16_at_8) {
-        const auto claimed = read_at<uint16_t>(bytes, short_count_at);
-        if (claimed <= fitting)
-            return;
-        const auto rows = static_cast<uint16_t>(fitting);
-        std::memcpy(bytes + short_count_at, &rows, sizeof rows);
-        log_limited(record, claimed, rows);
-    } else {
-        const auto claimed = read_at<int32_t>(bytes, long_count_at);
-        if (claimed <= static_cast<int64_t>(fitting))
-            return;
-        std::memcpy(bytes + long_count_at, &fitting, sizeof fitting);
-        log_limited(record, claimed, fitting);
-    }
+    if (kind.layout == ISP_LAYOUT_LONG_ROWS)
+        limit_count<int32_t>(record, ISP_LONG_ROW_COUNT_AT, fitting, log);
+    else
+        limit_count<uint16_t>(record, ISP_SHORT_ROW_COUNT_AT, fitting, log);
 }
 
-void replace(isp_tuning_set &set, record_kind kind, isp_record *record)
+void replace(isp_tuning_set &set, const record_kind &kind, isp_record *record)
 {
     std::free(record_in(set, kind.slot));
     set_slot(set, kind.slot, record);
@@ -64,61 +53,59 @@ void replace(isp_tuning_set &set, record_kind kind, isp_record *record)
 // What lies behind the main table counts only where the record holds it whole.
 void read_fringe_control_extension(isp_fringe_control_slot &slot, uint32_t size)
 {
-    constexpr uint32_t extra_row_size = 8;
+    const auto rows = short_rows<isp_fringe_control_row>(slot.record, slot.data);
     const auto *bytes = reinterpret_cast<const uint8_t *>(slot.record);
-    const uint32_t rows = read_at<uint16_t>(bytes, short_count_at);
-    const uint32_t count2_at = 10 + 18 * rows;
-    const uint32_t extra_at = count2_at + 2;
+    const size_t count2_at = ISP_SHORT_ROW_COUNT_AT + sizeof(uint16_t) + rows.size_bytes();
+    const size_t extra_at = count2_at + sizeof(uint16_t);
     const bool has_count2 = slot.record->version > 100 && extra_at <= size;
-    const bool has_extra = slot.record->version > 101 && extra_at + extra_row_size * rows <= size;
-    slot.count2 = has_count2 ? read_at<uint16_t>(bytes, count2_at) : 1;
+    const bool has_extra =
+        slot.record->version > 101 && extra_at + rows.size() * sizeof(isp_fringe_control_extra_row) <= size;
+    slot.count2 = has_count2 ? value_at<uint16_t>(bytes, count2_at) : 1;
     slot.extra = has_extra ? bytes + extra_at : nullptr;
 }
 
 // Holds a copy of its own; the slot stays empty when that copy cannot be allocated.
-void hold_rec_13(isp_tuning_set &set, const isp_record *record, uint32_t size, record_kind kind)
+void hold_rec_13(isp_tuning_set &set, const isp_record *record, uint32_t size, const record_kind &kind)
 {
     std::free(set.rec_13);
     set.rec_13 = copy_record(record, size, kind.fixed_size);
     constexpr uint8_t version_without_second_value = 100;
     if (set.rec_13 != nullptr && set.rec_13->version == version_without_second_value)
-        std::memset(reinterpret_cast<uint8_t *>(set.rec_13) + 10, 0, 2);
+        std::memset(reinterpret_cast<uint8_t *>(set.rec_13) + ISP_RECORD_HEADER_SIZE + sizeof(uint16_t), 0,
+                    sizeof(uint16_t));
 }
 
 } // namespace
 
-uint32_t store_record(const void *source, uint32_t size, record_kind kind, isp_tuning_set &set)
+bool store_record(const void *source, uint32_t size, const record_kind &kind, isp_tuning_set &set, row_count_log &log)
 {
-    const uint32_t min_size = kind.how == filing::rec_13 ? size : kind.fixed_size;
+    const uint32_t min_size = kind.name == record_name::rec_13 ? size : kind.fixed_size;
     isp_record *record = copy_record(source, size, min_size);
     if (record == nullptr)
-        return ISP_OUT_OF_MEMORY;
+        return false;
 
-    limit_rows(record, size, kind);
-    switch (kind.how) {
-    case filing::unknown:
-    default: std::free(record); return ISP_INVALID_DATA;
-    case filing::dropped: std::free(record); break;
-    case filing::plain: replace(set, kind, record); break;
-    case filing::fringe_control:
+    limit_rows(record, size, kind, log);
+    switch (kind.name) {
+    default: replace(set, kind, record); break;
+    case record_name::fringe_control:
         replace(set, kind, record);
         read_fringe_control_extension(set.fringe_control, size);
         break;
-    case filing::chroma_nr:
+    case record_name::chroma_nr:
         replace(set, kind, record);
         set.chroma_nr.data_alt = nullptr;
         break;
-    case filing::chroma_nr_alt:
+    case record_name::chroma_nr_alt:
         replace(set, kind, record);
         set.chroma_nr.data_alt = set.chroma_nr.data;
         set.chroma_nr.data = nullptr;
         break;
-    case filing::rec_13:
+    case record_name::rec_13:
         hold_rec_13(set, record, size, kind);
         std::free(record);
         break;
     }
-    return ISP_SUCCESS;
+    return true;
 }
 
 } // namespace qz

@@ -5,12 +5,12 @@
 
 #include "qz_isp/tuning.h"
 #include "tuning/record_kinds.h"
+#include "tuning/row_count_log.h"
 
 namespace qz {
 
 // Makes a private copy of the record of @p size bytes at @p source (header included; at least 8) and files it as its
-// kind says, freeing the record that the slot held. Returns 0, 4 when the copy cannot be allocated, 8 for an unknown
-// record.
-uint32_t store_record(const void *source, uint32_t size, record_kind kind, isp_tuning_set &set);
+// kind says, freeing the record that the slot held. False when the copy cannot be allocated.
+bool store_record(const void *source, uint32_t size, const record_kind &kind, isp_tuning_set &set, row_count_log &log);
 
 } // namespace qz

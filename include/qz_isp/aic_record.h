@@ -1,6 +1,6 @@
 /**
  * @file
- * AIC output record: the hardware parameters of one frame, 35288 bytes, little-endian.
+ * AIC output record: the hardware parameters of one frame, AIC_RECORD_SIZE bytes, little-endian.
  *
  * The record is a chain of blocks in a fixed order. Each starts on an 8-byte boundary with its id and its size in bytes
  * (the 8-byte header included); padding up to the next block stays zero. Blocks whose purpose the hardware does not
@@ -26,44 +26,47 @@
 #define AIC_GAMMA_MAX_ENTRIES 257u
 
 /**
- * The blocks in record order: X(name, id, size, offset). The size of the lens shading block is that of an empty one.
+ * The blocks in record order: X(name, id, size, offset, payload, padding, family). The payload is the type of what
+ * follows the header, the padding the bytes from its end to the next multiple of 8; the size does not count it. The
+ * size of the lens shading block is that of an empty one. The family tells what fills the block: colour, noise_detail,
+ * long_table (a row of a long tuning record), copied (or fixed) or lens_shading.
  */
 #define AIC_BLOCKS(X)                                                                                                  \
-    X(white_balance, 1, 28, 0)                                                                                         \
-    X(defect_pixel, 2, 32, 32)                                                                                         \
-    X(long_3, 3, 36, 64)                                                                                               \
-    X(yuv_to_rgb, 4, 48, 104)                                                                                          \
-    X(temporal_noise_reduction, 5, 20, 152)                                                                            \
-    X(rec_3, 6, 14, 176)                                                                                               \
-    X(y_edge_enhancement, 8, 16, 192)                                                                                  \
-    X(fringe_control, 7, 34, 208)                                                                                      \
-    X(block_9, 9, 12, 248)                                                                                             \
-    X(chroma_nr, 10, 24, 264)                                                                                          \
-    X(ctc, 37, 30, 288)                                                                                                \
-    X(rec_13_a, 11, 10, 320)                                                                                           \
-    X(rec_13_b, 12, 10, 336)                                                                                           \
-    X(edge_enhancement, 13, 20, 352)                                                                                   \
-    X(macc, 14, 136, 376)                                                                                              \
-    X(macc_shift, 15, 9, 512)                                                                                          \
-    X(noise_reduction, 16, 28, 528)                                                                                    \
-    X(black_level, 17, 24, 560)                                                                                        \
-    X(xnr, 18, 10, 584)                                                                                                \
-    X(rgb_to_yuv, 19, 48, 600)                                                                                         \
-    X(rec_16, 20, 88, 648)                                                                                             \
-    X(block_21, 21, 12, 736)                                                                                           \
-    X(block_22, 22, 10, 752)                                                                                           \
-    X(block_23, 23, 20, 768)                                                                                           \
-    X(long_5, 29, 588, 792)                                                                                            \
-    X(long_6, 31, 1188, 1384)                                                                                          \
-    X(long_7, 32, 256, 2576)                                                                                           \
-    X(long_13, 33, 32, 2832)                                                                                           \
-    X(long_11, 35, 64, 2864)                                                                                           \
-    X(long_12, 34, 396, 2928)                                                                                          \
-    X(frame_counter, 24, 12, 3328)                                                                                     \
-    X(gamma_0, 25, 528, 3344)                                                                                          \
-    X(gamma_1, 26, 528, 3872)                                                                                          \
-    X(gamma_2, 27, 528, 4400)                                                                                          \
-    X(lens_shading, 28, 48, 4928)
+    X(white_balance, 1, 28, 0, aic_white_balance, 4, colour)                                                           \
+    X(defect_pixel, 2, 32, 32, aic_defect_pixel, 0, noise_detail)                                                      \
+    X(long_3, 3, 36, 64, aic_long_3, 4, long_table)                                                                    \
+    X(yuv_to_rgb, 4, 48, 104, aic_colour_matrix, 0, colour)                                                            \
+    X(temporal_noise_reduction, 5, 20, 152, aic_params_3, 4, noise_detail)                                             \
+    X(rec_3, 6, 14, 176, aic_rec_3, 2, copied)                                                                         \
+    X(y_edge_enhancement, 8, 16, 192, aic_y_edge_enhancement, 0, noise_detail)                                         \
+    X(fringe_control, 7, 34, 208, aic_fringe_control, 6, noise_detail)                                                 \
+    X(block_9, 9, 12, 248, aic_word, 4, copied)                                                                        \
+    X(chroma_nr, 10, 24, 264, aic_chroma_nr, 0, noise_detail)                                                          \
+    X(ctc, 37, 30, 288, aic_ctc, 2, colour)                                                                            \
+    X(rec_13_a, 11, 10, 320, aic_half_word, 6, copied)                                                                 \
+    X(rec_13_b, 12, 10, 336, aic_half_word, 6, copied)                                                                 \
+    X(edge_enhancement, 13, 20, 352, aic_params_3, 4, noise_detail)                                                    \
+    X(macc, 14, 136, 376, aic_macc, 0, colour)                                                                         \
+    X(macc_shift, 15, 9, 512, aic_byte, 7, colour)                                                                     \
+    X(noise_reduction, 16, 28, 528, aic_noise_reduction, 4, noise_detail)                                              \
+    X(black_level, 17, 24, 560, aic_black_level, 0, noise_detail)                                                      \
+    X(xnr, 18, 10, 584, aic_xnr, 4, noise_detail)                                                                      \
+    X(rgb_to_yuv, 19, 48, 600, aic_colour_matrix, 0, copied)                                                           \
+    X(rec_16, 20, 88, 648, aic_rec_16, 0, copied)                                                                      \
+    X(block_21, 21, 12, 736, aic_half_words_2, 4, copied)                                                              \
+    X(block_22, 22, 10, 752, aic_bytes_2, 6, copied)                                                                   \
+    X(block_23, 23, 20, 768, aic_params_3, 4, copied)                                                                  \
+    X(long_5, 29, 588, 792, aic_long_5, 4, long_table)                                                                 \
+    X(long_6, 31, 1188, 1384, aic_long_6, 4, long_table)                                                               \
+    X(long_7, 32, 256, 2576, aic_long_7, 0, long_table)                                                                \
+    X(long_13, 33, 32, 2832, aic_long_13, 0, long_table)                                                               \
+    X(long_11, 35, 64, 2864, aic_long_11, 0, long_table)                                                               \
+    X(long_12, 34, 396, 2928, aic_long_12, 4, long_table)                                                              \
+    X(frame_counter, 24, 12, 3328, aic_word, 4, copied)                                                                \
+    X(gamma_0, 25, 528, 3344, aic_gamma, 0, colour)                                                                    \
+    X(gamma_1, 26, 528, 3872, aic_gamma, 0, colour)                                                                    \
+    X(gamma_2, 27, 528, 4400, aic_gamma, 0, colour)                                                                    \
+    X(lens_shading, 28, 48, 4928, aic_lens_shading, 0, lens_shading)
 
 /** White-balance gains: gain = coefficient * 2^shift / 65536. */
 typedef struct aic_white_balance {
@@ -230,62 +233,87 @@ typedef struct aic_lens_shading {
     uint16_t entries[4 * AIC_LENS_SHADING_MAX_ENTRIES];
 } aic_lens_shading;
 
-/** A block with @p payload_type as its payload, whose size is a multiple of 8. */
-#define AIC_BLOCK_TYPE(name, payload_type)                                                                             \
+/**
+ * The fields of every payload type in order: X(payload, field, reading). A field reads as its type tells (plain), as
+ * signed numbers in two's complement (signed_words), as rows of a matrix (rows_of_3), or is not listed among the
+ * block's fields (unlisted): padding, another view of a field, or tables whose size the frame tells.
+ */
+#define AIC_FIELDS(X)                                                                                                  \
+    X(aic_white_balance, shift, plain)                                                                                 \
+    X(aic_white_balance, gain, plain)                                                                                  \
+    X(aic_defect_pixel, param, plain)                                                                                  \
+    X(aic_defect_pixel, gain, plain)                                                                                   \
+    X(aic_long_3, param, signed_words)                                                                                 \
+    X(aic_long_3, gain, plain)                                                                                         \
+    X(aic_colour_matrix, frac_bits, plain)                                                                             \
+    X(aic_colour_matrix, coeff, rows_of_3)                                                                             \
+    X(aic_params_3, param, plain)                                                                                      \
+    X(aic_noise_reduction, param, plain)                                                                               \
+    X(aic_rec_3, value, plain)                                                                                         \
+    X(aic_y_edge_enhancement, param, plain)                                                                            \
+    X(aic_fringe_control, exponent, plain)                                                                             \
+    X(aic_fringe_control, unused, plain)                                                                               \
+    X(aic_fringe_control, field_0_to_3, plain)                                                                         \
+    X(aic_fringe_control, field_4_to_7, plain)                                                                         \
+    X(aic_fringe_control, field_8_to_9, plain)                                                                         \
+    X(aic_fringe_control, field_10_to_11, plain)                                                                       \
+    X(aic_word, value, plain)                                                                                          \
+    X(aic_half_word, value, plain)                                                                                     \
+    X(aic_chroma_nr, field, plain)                                                                                     \
+    X(aic_ctc, mantissa, plain)                                                                                        \
+    X(aic_ctc, shift, plain)                                                                                           \
+    X(aic_ctc, value, plain)                                                                                           \
+    X(aic_macc, coeff, plain)                                                                                          \
+    X(aic_byte, value, plain)                                                                                          \
+    X(aic_black_level, level, plain)                                                                                   \
+    X(aic_xnr, param, plain)                                                                                           \
+    X(aic_xnr, word, unlisted)                                                                                         \
+    X(aic_rec_16, value, signed_words)                                                                                 \
+    X(aic_half_words_2, value, plain)                                                                                  \
+    X(aic_bytes_2, value, plain)                                                                                       \
+    X(aic_long_5, curve_a, signed_words)                                                                               \
+    X(aic_long_5, curve_b, signed_words)                                                                               \
+    X(aic_long_5, param, signed_words)                                                                                 \
+    X(aic_long_6, param, signed_words)                                                                                 \
+    X(aic_long_7, param, signed_words)                                                                                 \
+    X(aic_long_13, param, signed_words)                                                                                \
+    X(aic_long_11, param, signed_words)                                                                                \
+    X(aic_long_12, param, signed_words)                                                                                \
+    X(aic_gamma, has_257_entries, plain)                                                                               \
+    X(aic_gamma, table, plain)                                                                                         \
+    X(aic_gamma, padding, unlisted)                                                                                    \
+    X(aic_lens_shading, enable, plain)                                                                                 \
+    X(aic_lens_shading, scaled_width, plain)                                                                           \
+    X(aic_lens_shading, scaled_height, plain)                                                                          \
+    X(aic_lens_shading, columns, plain)                                                                                \
+    X(aic_lens_shading, rows, plain)                                                                                   \
+    X(aic_lens_shading, format, plain)                                                                                 \
+    X(aic_lens_shading, table, plain)                                                                                  \
+    X(aic_lens_shading, entries, unlisted)
+
+#define AIC_PADDING_0
+#define AIC_PADDING_2 uint8_t padding[2];
+#define AIC_PADDING_4 uint8_t padding[4];
+#define AIC_PADDING_6 uint8_t padding[6];
+#define AIC_PADDING_7 uint8_t padding[7];
+#define AIC_BLOCK_TYPE(name, id_, size_, offset, payload_type, padding_size, family)                                   \
     typedef struct aic_##name##_block {                                                                                \
         uint32_t id;                                                                                                   \
         uint32_t size;                                                                                                 \
         payload_type payload;                                                                                          \
-    } aic_##name##_block
+        AIC_PADDING_##padding_size                                                                                     \
+    } aic_##name##_block;
+AIC_BLOCKS(AIC_BLOCK_TYPE)
+#undef AIC_BLOCK_TYPE
+#undef AIC_PADDING_0
+#undef AIC_PADDING_2
+#undef AIC_PADDING_4
+#undef AIC_PADDING_6
+#undef AIC_PADDING_7
 
-/** As AIC_BLOCK_TYPE, with padding_size bytes up to the next 8-byte boundary. */
-#define AIC_PADDED_BLOCK_TYPE(name, payload_type, padding_size)                                                        \
-    typedef struct aic_##name##_block {                                                                                \
-        uint32_t id;                                                                                                   \
-        uint32_t size;                                                                                                 \
-        payload_type payload;                                                                                          \
-        uint8_t padding[padding_size];                                                                                 \
-    } aic_##name##_block
-
-AIC_PADDED_BLOCK_TYPE(white_balance, aic_white_balance, 4);
-AIC_BLOCK_TYPE(defect_pixel, aic_defect_pixel);
-AIC_PADDED_BLOCK_TYPE(long_3, aic_long_3, 4);
-AIC_BLOCK_TYPE(yuv_to_rgb, aic_colour_matrix);
-AIC_PADDED_BLOCK_TYPE(temporal_noise_reduction, aic_params_3, 4);
-AIC_PADDED_BLOCK_TYPE(rec_3, aic_rec_3, 2);
-AIC_BLOCK_TYPE(y_edge_enhancement, aic_y_edge_enhancement);
-AIC_PADDED_BLOCK_TYPE(fringe_control, aic_fringe_control, 6);
-AIC_PADDED_BLOCK_TYPE(block_9, aic_word, 4);
-AIC_BLOCK_TYPE(chroma_nr, aic_chroma_nr);
-AIC_PADDED_BLOCK_TYPE(ctc, aic_ctc, 2);
-AIC_PADDED_BLOCK_TYPE(rec_13_a, aic_half_word, 6);
-AIC_PADDED_BLOCK_TYPE(rec_13_b, aic_half_word, 6);
-AIC_PADDED_BLOCK_TYPE(edge_enhancement, aic_params_3, 4);
-AIC_BLOCK_TYPE(macc, aic_macc);
-AIC_PADDED_BLOCK_TYPE(macc_shift, aic_byte, 7);
-AIC_PADDED_BLOCK_TYPE(noise_reduction, aic_noise_reduction, 4);
-AIC_BLOCK_TYPE(black_level, aic_black_level);
-AIC_PADDED_BLOCK_TYPE(xnr, aic_xnr, 4);
-AIC_BLOCK_TYPE(rgb_to_yuv, aic_colour_matrix);
-AIC_BLOCK_TYPE(rec_16, aic_rec_16);
-AIC_PADDED_BLOCK_TYPE(block_21, aic_half_words_2, 4);
-AIC_PADDED_BLOCK_TYPE(block_22, aic_bytes_2, 6);
-AIC_PADDED_BLOCK_TYPE(block_23, aic_params_3, 4);
-AIC_PADDED_BLOCK_TYPE(long_5, aic_long_5, 4);
-AIC_PADDED_BLOCK_TYPE(long_6, aic_long_6, 4);
-AIC_BLOCK_TYPE(long_7, aic_long_7);
-AIC_BLOCK_TYPE(long_13, aic_long_13);
-AIC_BLOCK_TYPE(long_11, aic_long_11);
-AIC_PADDED_BLOCK_TYPE(long_12, aic_long_12, 4);
-AIC_PADDED_BLOCK_TYPE(frame_counter, aic_word, 4);
-AIC_BLOCK_TYPE(gamma_0, aic_gamma);
-AIC_BLOCK_TYPE(gamma_1, aic_gamma);
-AIC_BLOCK_TYPE(gamma_2, aic_gamma);
-AIC_BLOCK_TYPE(lens_shading, aic_lens_shading);
-
-/** The whole record: for each row of AIC_BLOCKS a member @c name of type @c aic_name_block. */
+/** The whole record: for each row of AIC_BLOCKS a member @c name of type @c aic_name_block (id, size, payload). */
 typedef struct aic_record {
-#define AIC_MEMBER(name, id, size, offset) aic_##name##_block name;
+#define AIC_MEMBER(name, id, size, offset, payload, padding, family) aic_##name##_block name;
     AIC_BLOCKS(AIC_MEMBER)
 #undef AIC_MEMBER
 } aic_record;

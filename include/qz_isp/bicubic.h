@@ -47,8 +47,9 @@ QZ_ISP_API void create_extrapolated_buffer_for_bicubic_u16(const uint16_t *src, 
  * @param dst_width   floats in a destination row
  * @param dst_height  destination rows
  * @param plane_count planes, all of the same size
- * @return 0; 32 with nothing written when a destination dimension is below the source's ("Not upscaling" is logged) or
- *         is 1, or a source dimension is 0; 4 with nothing written when memory runs out ("QZ_ALLOC failed" is logged)
+ * @return ISP_SUCCESS; ISP_INVALID_ARGUMENT with nothing written when a destination dimension is below the source's
+ * ("Not upscaling" is logged) or is 1, or a source dimension is 0; ISP_OUT_OF_MEMORY with nothing written when memory
+ * runs out ("QZ_ALLOC failed" is logged)
  */
 QZ_ISP_API uint32_t image_bicubic_upscale_uint8_to_float(const uint8_t *const *src_planes, float *const *dst_planes,
                                                          uint16_t src_width, uint16_t src_height, uint16_t dst_width,
@@ -63,8 +64,8 @@ QZ_ISP_API uint32_t image_bicubic_upscale_uint16_to_float(const uint16_t *const 
  * Bicubic resize, up or down, of one plane of floats to one plane in p10. Corners fall exactly on corners; results are
  * truncated and not clamped, so values are expected to lie in 0 to 64. Sizes are taken rows before columns.
  *
- * @return 0; 32 with nothing written when a destination dimension is 1 or a source dimension is 0; 4 with nothing
- *         written when memory runs out
+ * @return ISP_SUCCESS; ISP_INVALID_ARGUMENT with nothing written when a destination dimension is 1 or a source
+ * dimension is 0; ISP_OUT_OF_MEMORY with nothing written when memory runs out
  */
 QZ_ISP_API uint32_t bicubic_resize_32f_to_u16p10(const float *src, uint16_t src_rows, uint16_t src_cols, uint16_t *dst,
                                                  uint16_t dst_rows, uint16_t dst_cols);
@@ -88,8 +89,8 @@ typedef struct isp_roi {
  * @param dst_height  destination rows
  * @param plane_count planes, all of the same size
  * @param roi         part of every source plane to reduce, or null for the whole plane
- * @return 0; 32 with nothing written when the destination is not smaller in both dimensions, is below 3 in one, or
- *         @p roi reaches outside the source
+ * @return ISP_SUCCESS; ISP_INVALID_ARGUMENT with nothing written when the destination is not smaller in both
+ * dimensions, is below 3 in one, or @p roi reaches outside the source
  */
 QZ_ISP_API uint32_t image_downscale_32f_to_u16p10(const float *const *src_planes, uint16_t *const *dst_planes,
                                                   uint16_t src_width, uint16_t src_height, uint16_t dst_width,

@@ -148,7 +148,8 @@ QZ_ISP_API void compute_brightness_contrast(int8_t brightness, int8_t contrast, 
 QZ_ISP_API void compute_brightness_contrast_f(int8_t brightness, int8_t contrast, float *table, int32_t n);
 
 /**
- * White-balance gains as mantissas with one shared shift: gain = coefficient * 2^shift / 65536.
+ * White-balance gains as mantissas with one shared shift: gain = coefficient * 2^shift / 65536. The outputs stand in
+ * the order 1, 0, 3, 2, which is meant; each receives the channel that it names.
  *
  * @param gains four gains, each in [0, 65536)
  * @param shift receives the shift, 0 to 16
@@ -180,7 +181,8 @@ QZ_ISP_API void compute_ctc_config(const isp_record *record, float factor, uint1
 QZ_ISP_API void compute_isp_lsc_saturation_compensation(const float *offsets, uint16_t bits, float *gains);
 
 /**
- * Black levels as fractions of full scale, 65536 = full scale, truncated; negative levels give 0.
+ * Black levels as fractions of full scale, 65536 = full scale, truncated; negative levels give 0. The outputs stand in
+ * the order 1, 0, 3, 2, which is meant; each receives the channel that it names.
  *
  * @param levels    four black levels in raw code values
  * @param bit_depth sensor bit depth, 1 to 31; others count modulo 32
@@ -188,7 +190,7 @@ QZ_ISP_API void compute_isp_lsc_saturation_compensation(const float *offsets, ui
  * @param out_ch0   receives the level of channel 0
  * @param out_ch3   receives the level of channel 3
  * @param out_ch2   receives the level of channel 2
- * @return 0
+ * @return ISP_SUCCESS
  */
 QZ_ISP_API uint32_t compute_isp_black_level_compensation(const float *levels, uint16_t bit_depth, uint32_t *out_ch1,
                                                          uint32_t *out_ch0, uint32_t *out_ch3, uint32_t *out_ch2);

@@ -52,7 +52,7 @@ QZ_ISP_API isp_context *qz_isp_2_7_init(const isp_blob *container, uint32_t grid
 /** Releases a context and everything it owns; accepts null. */
 QZ_ISP_API void qz_isp_2_7_deinit(isp_context *context);
 
-/** Size in bytes of the AIC output record: 35288. */
+/** Size in bytes of the AIC output record: AIC_RECORD_SIZE. */
 QZ_ISP_API uint32_t isp_get_aic_output_size_2_7(void);
 
 #endif

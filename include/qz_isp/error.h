@@ -11,7 +11,7 @@ enum isp_status {
     ISP_STEP_FAILED = 2,      /**< lu_decomposition() or lsc_polynomial_upscale_float() could not finish. */
     ISP_OUT_OF_MEMORY = 4,    /**< An allocation failed; what the call had made is freed. */
     ISP_INVALID_DATA = 8,     /**< A tuning container or statistics record is malformed. */
-    ISP_INVALID_ARGUMENT = 32 /**< An argument is null or out of range; nothing was written. */
+    ISP_INVALID_ARGUMENT = 32 /**< An argument is null or out of range; what was written then, the function says. */
 };
 
 #endif

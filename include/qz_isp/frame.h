@@ -64,7 +64,8 @@ typedef struct isp_lsc_params {
 
 /**
  * Inputs of one frame. Every pointer may be null; what it points to belongs to the caller and is only read. Signed
- * 8-bit controls run from -128 to 127, 0 meaning the tuned value unchanged.
+ * 8-bit controls run from -128 to 127, 0 meaning the tuned value unchanged. Numbers in the names of padding count
+ * 32-bit words from 0, where addresses have 32 bits.
  */
 typedef struct isp_input_params {
     uint32_t tuning_mode;            /**< Order in which tuning sets are taken; also chooses the multi-axis base set. */
@@ -77,17 +78,17 @@ typedef struct isp_input_params {
     uint32_t gamma_257;              /**< Not 0: gamma tables have 257 entries, else 256. */
     uint32_t nr_mode;                /**< 0: noise reduction off; 2 and above: Bayer noise reduction too. */
     int8_t nr_strength;              /**< Strength of noise reduction. */
-    uint8_t padding_9[3];            /**< Not read. */
+    uint8_t padding_9[3];            /**< Rest of word 9: not read. */
     uint32_t edge_mode;              /**< 0: edge enhancement and fringe control off. */
     int8_t sharpness;                /**< Strength of edge enhancement and fringe control. */
-    uint8_t padding_11[3];           /**< Not read. */
+    uint8_t padding_11[3];           /**< Rest of word 11: not read. */
     int8_t brightness;               /**< Power curve on the gamma tables. */
     int8_t contrast;                 /**< S-curve on the gamma tables. */
     int8_t hue;                      /**< Rotation of the multi-axis matrices; -128 and 127 are half a turn. */
     int8_t saturation;               /**< Factor of chroma tone control, 0 to 5. */
     uint32_t effects;                /**< Effect flag word, see isp_effect. */
     uint8_t block9_control;          /**< Block 9 holds this byte XOR 1. */
-    uint8_t padding_14[3];           /**< Not read. */
+    uint8_t padding_14[3];           /**< Rest of word 14: not read. */
     const isp_geometry *aux_size;    /**< Second geometry for the selection rules. */
     const uint32_t *selection_list;  /**< Handed to tuningselector(). */
 } isp_input_params;
@@ -104,7 +105,7 @@ typedef struct isp_output_desc {
  * Missing inputs and empty tuning slots give defaults. Without an input or without parsed tuning only the record's
  * address is set.
  *
- * @return 0; 32 with nothing written when the context or the output is null
+ * @return ISP_SUCCESS; ISP_INVALID_ARGUMENT with nothing written when the context or the output is null
  */
 QZ_ISP_API uint32_t qz_isp_2_7_run(struct isp_context *context, const isp_input_params *input, isp_output_desc *output);
 

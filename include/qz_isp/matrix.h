@@ -13,14 +13,14 @@
 
 #include "qz_isp/export.h"
 
-/** destination (c, r) = source (r, c). @return 0 */
+/** destination (c, r) = source (r, c). @return ISP_SUCCESS */
 QZ_ISP_API uint32_t transpose_m(const void *src, int32_t src_row_stride, int32_t src_column_stride, int32_t columns,
                                 int32_t rows, void *dst, int32_t dst_row_stride, int32_t dst_column_stride);
 
 /**
  * C = A x B. Each element is accumulated from 0 in single precision, in increasing order of the inner index.
  *
- * @return 0, or 32 with nothing written when A's columns differ from B's rows
+ * @return ISP_SUCCESS, or ISP_INVALID_ARGUMENT with nothing written when A's columns differ from B's rows
  */
 QZ_ISP_API uint32_t mul_mm(const void *a, int32_t a_row_stride, int32_t a_column_stride, int32_t a_columns,
                            int32_t a_rows, const void *b, int32_t b_row_stride, int32_t b_column_stride,
@@ -41,8 +41,8 @@ QZ_ISP_API uint32_t mul_mm(const void *a, int32_t a_row_stride, int32_t a_column
  * @param out_row_stride    its strides
  * @param out_column_stride see above
  * @param n                 rows and columns
- * @return 0; with nothing written, 4 when the work copy cannot be allocated (its n * n floats must also fit 32 bits)
- * and 32 when A's strides lead out of it
+ * @return ISP_SUCCESS; with nothing written, ISP_OUT_OF_MEMORY when the work copy cannot be allocated (its n * n floats
+ * must also fit 32 bits) and ISP_INVALID_ARGUMENT when A's strides lead out of it
  */
 QZ_ISP_API uint32_t lu_decomposition_m(const void *a, int32_t a_row_stride, int32_t a_column_stride, uint32_t *index,
                                        void *out, int32_t out_row_stride, int32_t out_column_stride, int32_t n);
@@ -60,8 +60,8 @@ QZ_ISP_API uint32_t lu_decomposition_m(const void *a, int32_t a_row_stride, int3
  * @param width      grid columns
  * @param height     grid rows
  * @param term_count must be 15
- * @return 0; 4 when the normal matrix cannot be allocated; 2 when a later step fails or @p term_count is not 15 (then
- *         nothing is written)
+ * @return ISP_SUCCESS; ISP_OUT_OF_MEMORY when the normal matrix cannot be allocated; ISP_STEP_FAILED when a later step
+ * fails or @p term_count is not 15 (then nothing is written)
  */
 QZ_ISP_API uint32_t lu_decomposition(float *design, float *transposed, float *out, uint32_t *index, uint16_t width,
                                      uint16_t height, uint16_t term_count);

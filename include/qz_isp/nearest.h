@@ -17,7 +17,7 @@
 /**
  * Scales an array of 32-bit elements by the fixed-point rule, up or down.
  *
- * @return 0, or 32 with nothing written when a size is below 1 or an address is null
+ * @return ISP_SUCCESS, or ISP_INVALID_ARGUMENT with nothing written when a size is below 1 or an address is null
  */
 QZ_ISP_API uint32_t image_nearest_neighbor_scale_uint32(const uint32_t *src, int32_t src_width, int32_t src_height,
                                                         uint32_t *dst, int32_t dst_width, int32_t dst_height);
@@ -25,7 +25,7 @@ QZ_ISP_API uint32_t image_nearest_neighbor_scale_uint32(const uint32_t *src, int
 /**
  * Scales an array of 16-bit elements by the ceiling rule, up or (despite its name) down.
  *
- * @return 0, or 32 with nothing written when a size is below 2
+ * @return ISP_SUCCESS, or ISP_INVALID_ARGUMENT with nothing written when a size is below 2
  */
 QZ_ISP_API uint32_t image_upscale_nearest_neighbor_uint16(const uint16_t *src, uint16_t *dst, uint16_t src_width,
                                                           uint16_t src_height, uint16_t dst_width, uint16_t dst_height);
@@ -38,7 +38,7 @@ QZ_ISP_API uint32_t image_upscale_nearest_neighbor_uint16(const uint16_t *src, u
  * X[c-1]+1 to X[c], Y and X being the ceiling-rule indices (Y[-1] = X[-1] = -1): the blocks tile the source, and an
  * empty block gives 0.
  *
- * @return 0, or 32 with nothing written when a size is below 2
+ * @return ISP_SUCCESS, or ISP_INVALID_ARGUMENT with nothing written when a size is below 2
  */
 QZ_ISP_API uint32_t image_downscale_nearest_neighbor_int32(const int32_t *src, int32_t *dst, uint16_t src_width,
                                                            uint16_t src_height, uint16_t dst_width, uint16_t dst_height,

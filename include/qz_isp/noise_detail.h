@@ -39,7 +39,7 @@ QZ_ISP_API void compute_xnr(uint16_t gain, const isp_table_slot *slot, uint32_t 
 
 /**
  * Edge enhancement: rows of a key and three values. The sharpness scales parameter 0 by 0.333 (-128) to 3 (127) and
- * parameter 2 by 0.5 to 2, without a limit.
+ * parameter 2 by 0.5 to 2, without a limit. The sharpness stands before the slot, which is meant.
  */
 QZ_ISP_API void compute_edge_enhancement(uint16_t gain, int8_t sharpness, const isp_table_slot *slot, uint32_t *param0,
                                          uint32_t *param1, uint32_t *param2);
@@ -70,7 +70,10 @@ QZ_ISP_API void compute_fringe_control(uint16_t gain, const isp_fringe_control_s
  * Lens shading: resamples four grids of gains to the hardware grid of the sensor mode, as fixed-point tables.
  *
  * The grid covers half the frame's width and height with square cells of 64 (sensors of 4 million pixels and more), 32
- * (1 million and more) or 16 plane pixels.
+ * (1 million and more) or 16 plane pixels. Grids larger than the hardware grid in both directions are averaged
+ * (image_downscale_32f_to_u16p10()), others resized (bicubic_resize_32f_to_u16p10()). A table whose routine refuses the
+ * sizes, as an average of fewer than 3 columns or rows, or runs out of memory, keeps its contents as they are;
+ * addresses, status and enable flag do not tell.
  *
  * @param sensor            sensor description, or null for 3264 x 2448 pixels
  * @param shading_input     grids of gains, or null: fails
@@ -86,8 +89,8 @@ QZ_ISP_API void compute_fringe_control(uint16_t gain, const isp_fringe_control_s
  * @param next_free         address where table storage begins; left past the fourth table
  * @param channel_factors   four factors, or null for 1.0
  * @param out_cell_size     receives 16, 32 or 64
- * @return 0; 32 with only the enable flag written when an input or a grid is missing, a dimension, denominator or
- * scaled size is 0, or a table would have more than 65535 entries
+ * @return ISP_SUCCESS; ISP_INVALID_ARGUMENT with only the enable flag written when an input or a grid is missing, a
+ * dimension, denominator or scaled size is 0, or a table would have more than 65535 entries
  */
 QZ_ISP_API uint32_t compute_lsc(const isp_sensor_description *sensor, const isp_lsc_params *shading_input,
                                 const isp_frame_desc *frame, uint8_t *enable_flag, uint32_t *out_scaled_width,

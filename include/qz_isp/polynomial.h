@@ -39,8 +39,8 @@ QZ_ISP_API void do_polynomial_upscale(float *out, const float *coeffs, uint16_t 
  * @param out_w   columns of an output grid
  * @param out_h   its rows
  * @param n       number of terms, 15
- * @return 0; 2 when memory cannot be had (the grids of earlier channels stay written) or @p n is not 15 (nothing is
- *         written)
+ * @return ISP_SUCCESS; ISP_STEP_FAILED when memory cannot be had (the grids of earlier channels stay written) or @p n
+ * is not 15 (nothing is written)
  */
 QZ_ISP_API uint32_t lsc_polynomial_upscale_float(const float *basis_t, const float *lu, const uint32_t *perm,
                                                  const float *const *in, float *const *out, uint16_t in_w,

@@ -14,6 +14,7 @@
 #include "qz_isp/error.h"
 #include "qz_isp/frame.h"
 #include "qz_isp/gain.h"
+#include "qz_isp/makernote_records.h"
 #include "qz_isp/matrix.h"
 #include "qz_isp/nearest.h"
 #include "qz_isp/noise_detail.h"
@@ -21,5 +22,6 @@
 #include "qz_isp/statistics.h"
 #include "qz_isp/table_resize.h"
 #include "qz_isp/tuning.h"
+#include "qz_isp/tuning_layout.h"
 
 #endif

@@ -22,10 +22,10 @@ typedef struct isp_stats_cell {
 
 /** The ISP's statistics of one frame. */
 typedef struct isp_stats {
-    uint32_t unused_0[3];        /**< Not read. */
+    uint32_t unused_0[3];        /**< Words 0 to 2: not read. */
     uint32_t width;              /**< Grid width in cells. */
     uint32_t height;             /**< Grid height in cells. */
-    uint32_t unused_5[2];        /**< Not read. */
+    uint32_t unused_5[2];        /**< Words 5 and 6: not read. */
     uint32_t af_block_size;      /**< Written to both block sizes of the AF descriptor. */
     uint32_t cell_size_exponent; /**< e: a cell accumulates 2^(2e) samples per channel. */
     uint32_t bit_depth;          /**< b: bits per sample. */
@@ -65,9 +65,9 @@ typedef struct af_grid_desc {
  * @param stats   the frame's statistics, read during the call
  * @param rgbs    receives the address of the RGBS descriptor
  * @param af      receives the address of the AF descriptor
- * @return 0; 8 with nothing written when an argument, a descriptor or the cell array is null, the grid has more cells
- * than the context was made for, or bit_depth + 2e - 8 lies outside 1 to 31; a grid without cells needs neither array
- * nor bits
+ * @return ISP_SUCCESS; ISP_INVALID_DATA with nothing written when an argument, a descriptor or the cell array is null,
+ * the grid has more cells than the context was made for, or bit_depth + 2e - 8 lies outside 1 to 31; a grid without
+ * cells needs neither array nor bits
  */
 QZ_ISP_API uint32_t qz_isp_2_7_statistics_convert(struct isp_context *context, const isp_stats *stats,
                                                   const rgbs_grid_desc **rgbs, const af_grid_desc **af);

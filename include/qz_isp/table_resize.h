@@ -19,7 +19,8 @@
  * Each source value counts as value * 256, truncated, its low 16 bits; each output is multiplied by @p scale (1024 =
  * 1.0, 0 = not multiplied) with rounding. Positions have 10 fraction bits.
  *
- * @return 0, or 32 with nothing written when a count is below 2, @p src_count is above 2^21, or an address is null
+ * @return ISP_SUCCESS, or ISP_INVALID_ARGUMENT with nothing written when a count is below 2, @p src_count is above
+ * 2^21, or an address is null
  */
 QZ_ISP_API uint32_t isp_resize_1d_array_uint16(const float *src, int32_t src_count, uint32_t scale, uint16_t *dst,
                                                int32_t dst_count);
@@ -34,8 +35,8 @@ QZ_ISP_API uint32_t isp_resize_1d_array_uint16(const float *src, int32_t src_cou
  * @param gain      factor on the result, 1024 = 1.0; 0 = 1.0
  * @param dst       receives @p dst_count floats
  * @param dst_count elements of the destination
- * @return 0, or 32 with nothing written when a count is below 2, @p src_count is above 2^21, or @p src_a or @p dst is
- *         null
+ * @return ISP_SUCCESS, or ISP_INVALID_ARGUMENT with nothing written when a count is below 2, @p src_count is above
+ * 2^21, or @p src_a or @p dst is null
  */
 QZ_ISP_API uint32_t resize_and_mix_1d_array_uint16(const uint16_t *src_a, int32_t src_count, const uint16_t *src_b,
                                                    int32_t mix, uint32_t gain, float *dst, int32_t dst_count);
@@ -43,7 +44,8 @@ QZ_ISP_API uint32_t resize_and_mix_1d_array_uint16(const uint16_t *src_a, int32_
 /**
  * Bilinear resize of 8-bit elements; positions have 8 fraction bits.
  *
- * @return 0, or 32 with nothing written when a dimension is below 2 or a source dimension is above 2^23
+ * @return ISP_SUCCESS, or ISP_INVALID_ARGUMENT with nothing written when a dimension is below 2 or a source dimension
+ * is above 2^23
  */
 QZ_ISP_API uint32_t resize_2d_array_uint8(const uint8_t *src, int32_t src_width, int32_t src_height, uint8_t *dst,
                                           int32_t dst_width, int32_t dst_height);
@@ -62,7 +64,7 @@ QZ_ISP_API uint32_t resize_2d_array_uint32(const uint32_t *src, int32_t src_widt
 /**
  * Bilinear resize of floats, in single precision.
  *
- * @return 0, or 32 with nothing written when a dimension is below 2
+ * @return ISP_SUCCESS, or ISP_INVALID_ARGUMENT with nothing written when a dimension is below 2
  */
 QZ_ISP_API uint32_t resize_2d_array_float(const float *src, uint16_t src_width, int32_t src_height, float *dst,
                                           uint16_t dst_width, int32_t dst_height);

@@ -68,10 +68,13 @@ typedef struct qz_mkn_saved_record {
 /** Characters of the key, without its terminator. */
 #define QZ_MKN_KEY_LENGTH 16u
 
-/** A makernote under construction. One thread at a time may use it. */
+/**
+ * A makernote under construction. One thread at a time may use it. It grows with every record: nothing but
+ * qz_mkn_clear() makes it smaller again.
+ */
 typedef struct qz_mkn qz_mkn;
 
-/** One record as it was appended. The pointers belong to the makernote and stay valid until it is destroyed. */
+/** One record as it was appended. The pointers stay valid until its makernote is cleared or destroyed. */
 typedef struct qz_mkn_record {
     uint32_t format;  /**< Element type, see qz_mkn_format. */
     uint32_t name;    /**< Name id. */
@@ -86,6 +89,12 @@ QZ_MKN_API qz_mkn *qz_mkn_create(void);
 
 /** Destroys a makernote and its records; accepts null. */
 QZ_MKN_API void qz_mkn_destroy(qz_mkn *mkn);
+
+/**
+ * Removes all records and the count of dropped ones, as after the makernote of a picture is saved. Room for as many
+ * records is kept, their bytes are not.
+ */
+QZ_MKN_API void qz_mkn_clear(qz_mkn *mkn);
 
 /**
  * Appends one record. A record that cannot be kept (memory runs out, or the format is unknown) is dropped and counted.
