@@ -1,16 +1,24 @@
-#include "error.h"
+#include "desk/base/error.h"
 
-#include <fmt/format.h>
+#include <utility>
 
-namespace qz::tool {
+namespace qz::desk {
 
-file_error::file_error(std::string_view file, std::string_view what)
-    : std::runtime_error(fmt::format("{}: {}", file, what))
-{}
+std::string error_text(const error &what)
+{
+    std::string text = what.file ? *what.file + ": " : "";
+    if (!what.place.empty())
+        text += what.place + ": ";
+    return what.expected.empty() ? text + what.found : text + "found " + what.found + ", expected " + what.expected;
+}
 
-file_error::file_error(std::string_view file, std::string_view where, std::string_view found, std::string_view expected)
-    : std::runtime_error(where.empty() ? fmt::format("{}: found {}, expected {}", file, found, expected)
-                                       : fmt::format("{}: {}: found {}, expected {}", file, where, found, expected))
-{}
+void fail(error what)
+{
+#ifdef __cpp_exceptions
+    throw std::move(what); // NOLINT(*-exception-escape): the way out
+#else
+    qz_isp_desk_failed(error_text(what).c_str());
+#endif
+}
 
-} // namespace qz::tool
+} // namespace qz::desk

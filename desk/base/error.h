@@ -1,30 +1,27 @@
-// What went wrong with a file the program reads or writes.
+// What went wrong, and the one way in which this library gives up.
 #pragma once
 
-#include <stdexcept>
+#include <optional>
 #include <string>
-#include <string_view>
 
-namespace qz::tool {
+namespace qz::desk {
 
-// Ends the command with exit code 1 after printing "qz-isp: FILE: what".
-class file_error : public std::runtime_error {
-  public:
-    file_error(std::string_view file, std::string_view what);
-    // where: line and column, byte offset or field path; empty for the file as a whole.
-    file_error(std::string_view file, std::string_view where, std::string_view found, std::string_view expected);
+struct error {
+    std::optional<std::string> file; // as messages call it; nothing where the caller chose what there is not
+    std::string place;               // line and column, byte offset, field path, or the choice; empty: the whole
+    std::string found;
+    std::string expected; // empty where `found` says it all
 };
 
-// Wrong use of the command line that its grammar alone does not show: exit code 2.
-class usage_error : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
+// "scene.json: frames[1].hue: found 200, expected an integer from -128 to 127"
+std::string error_text(const error &what);
 
-// The reader of a pipe has seen enough: ends the command without a message.
-class closed_pipe : public std::runtime_error {
-  public:
-    closed_pipe() : std::runtime_error("closed pipe") {}
-};
+// Throws the error. Where the compiler has no exceptions, the host has to define qz_isp_desk_failed(), which gets the
+// text and does not return.
+[[noreturn]] void fail(error what);
 
-} // namespace qz::tool
+} // namespace qz::desk
+
+#ifndef __cpp_exceptions
+extern "C" [[noreturn]] void qz_isp_desk_failed(const char *text);
+#endif

@@ -1,11 +1,12 @@
-#include "fields.h"
+#include "desk/base/fields.h"
 
-#include <charconv>
 #include <cstring>
 
 #include <fmt/format.h>
 
-namespace qz::tool {
+#include "desk/base/numbers.h"
+
+namespace qz::desk {
 
 size_t element_size(element type)
 {
@@ -51,11 +52,9 @@ std::optional<field_part> find_part(std::span<const field> fields, std::string_v
         std::string_view digits = name.substr(described.name.size());
         if (digits.starts_with('[') && digits.ends_with(']'))
             digits = digits.substr(1, digits.size() - 2);
-        uint32_t index = 0;
-        const char *end = digits.data() + digits.size();
-        const auto [stop, error] = std::from_chars(digits.data(), end, index);
-        if (error == std::errc() && stop == end && index < described.count)
-            return field_part{&described, index, 1};
+        const std::optional<uint64_t> index = whole_number_of(digits);
+        if (index && *index < described.count)
+            return field_part{&described, static_cast<uint32_t>(*index), 1};
     }
     return std::nullopt;
 }
@@ -73,4 +72,4 @@ std::string element_names(const field &described, std::string_view prefix)
                : fmt::format("{} to {}{}", first, prefix, element_name(described, described.count - 1));
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

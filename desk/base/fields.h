@@ -12,7 +12,7 @@
 #include <type_traits>
 #include <vector>
 
-namespace qz::tool {
+namespace qz::desk {
 
 enum class element : uint8_t { u8, i8, u16, i16, u32, i32, f32 };
 
@@ -106,4 +106,4 @@ std::string element_name(const field &described, size_t index);
 // The elements that find_part() knows, for messages: "shift", "gain[0] to gain[3]"; each after the prefix.
 std::string element_names(const field &described, std::string_view prefix = "");
 
-} // namespace qz::tool
+} // namespace qz::desk

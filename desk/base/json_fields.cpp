@@ -1,10 +1,10 @@
-#include "json_fields.h"
+#include "desk/base/json_fields.h"
 
 #include <cstring>
 #include <limits>
 #include <nlohmann/json.hpp>
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -56,4 +56,4 @@ void write_fields(json &object, std::span<const field> fields, const void *base)
     }
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

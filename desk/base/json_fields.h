@@ -3,14 +3,14 @@
 
 #include <span>
 
-#include "fields.h"
-#include "json.h"
+#include "desk/base/fields.h"
+#include "desk/base/json_node.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 // Reads the members of an object into a struct; those that are absent stay as they are. Names outside the description
 // are the caller's to refuse.
 void read_fields(const json_node &object, std::span<const field> fields, void *base);
 void write_fields(json &object, std::span<const field> fields, const void *base);
 
-} // namespace qz::tool
+} // namespace qz::desk

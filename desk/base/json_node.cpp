@@ -1,37 +1,19 @@
-#include "json.h"
+#include "desk/base/json_node.h"
 
 #include <algorithm>
 #include <cfloat>
 #include <charconv>
 #include <nlohmann/json.hpp>
-#include <set>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "error.h"
+#include "desk/base/error.h"
+#include "desk/base/json_parse.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
-
-// Copying and merging values costs stack for every level.
-constexpr int max_depth = 256;
-
-std::string line_and_column(std::string_view text, size_t offset)
-{
-    const std::string_view before = text.substr(0, std::min(offset, text.size()));
-    const size_t line = 1 + static_cast<size_t>(std::ranges::count(before, '\n'));
-    const size_t start = before.rfind('\n') + 1; // npos + 1 is 0
-    return fmt::format("line {}, column {}", line, before.size() - start + 1);
-}
-
-// The last part of the parser's message, which names what it met and what it needed.
-std::string syntax_message(const std::string &message)
-{
-    const size_t start = message.find("syntax error");
-    return start == std::string::npos ? message : message.substr(start);
-}
 
 std::string shortened(const std::string &text)
 {
@@ -49,30 +31,6 @@ std::string description(const json &value)
 }
 
 } // namespace
-
-json parse_json(const std::string &file, std::string_view text)
-{
-    std::vector<std::set<std::string>> names;
-    const auto callback = [&](int depth, json::parse_event_t event, json &parsed) {
-        if (depth > max_depth)
-            throw file_error(file, "", fmt::format("values nested more than {} deep", max_depth), "fewer levels");
-        if (event == json::parse_event_t::object_start)
-            names.emplace_back();
-        else if (event == json::parse_event_t::object_end)
-            names.pop_back();
-        else if (event == json::parse_event_t::key && !names.back().insert(parsed.get<std::string>()).second)
-            throw file_error(file, "", fmt::format("the name {} twice in one object", parsed.dump()), "it once");
-        return true;
-    };
-    try {
-        return json::parse(text, callback);
-    } catch (const json::parse_error &error) {
-        const size_t position = error.byte > 0 ? error.byte - 1 : 0;
-        throw file_error(file, fmt::format("{}: {}", line_and_column(text, position), syntax_message(error.what())));
-    } catch (const json::exception &error) {
-        throw file_error(file, error.what());
-    }
-}
 
 json_node::json_node(std::shared_ptr<const json> document, std::string file)
     : document_(std::move(document)), value_(document_.get()), file_(std::move(file))
@@ -102,14 +60,14 @@ bool json_node::is_text() const
     return value_->is_string();
 }
 
-void json_node::fail(std::string_view found, std::string_view expected) const
+void json_node::fail(std::string found, std::string expected) const
 {
-    throw file_error(file_, path_, found, expected);
+    desk::fail({file_, path_, std::move(found), std::move(expected)});
 }
 
-void json_node::fail_type(std::string_view expected) const
+void json_node::fail_type(std::string expected) const
 {
-    fail(description(*value_), expected);
+    fail(description(*value_), std::move(expected));
 }
 
 void json_node::expect_names(const std::vector<std::string_view> &names) const
@@ -229,4 +187,4 @@ byte_buffer json_node::hex(size_t size) const
     return bytes;
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -1,29 +1,20 @@
-// JSON documents read strictly, with errors that name the place, and written so that a person can read them.
+// JSON documents read strictly, with errors that name the place.
 #pragma once
 
 #include <cstdint>
 #include <memory>
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "files.h"
+#include "desk/base/bytes.h"
+#include "desk/base/json.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
-// Only the files that make or look into JSON values include all of nlohmann/json.hpp.
-using json = nlohmann::ordered_json;
-
-// Throws file_error with line and column for text that is no JSON, and for an object that has a name twice.
-json parse_json(const std::string &file, std::string_view text);
-
-// Objects and lists over several lines, lists of numbers filled into lines, short lists of numbers side by side.
-std::string json_text(const json &value);
-
-// One value of a document together with its path, such as "frames[2].exposure.analog_gain". Every accessor throws
-// file_error when the value is not what the caller expects. A node keeps its document alive.
+// One value of a document together with its path, such as "frames[2].exposure.analog_gain". Every accessor
+// fails when the value is not what the caller expects. A node keeps its document alive.
 class json_node {
   public:
     json_node(std::shared_ptr<const json> document, std::string file);
@@ -55,8 +46,8 @@ class json_node {
     // patch.
     json_node patched(const json_node &patch, const std::vector<std::string_view> &except) const;
 
-    [[noreturn]] void fail(std::string_view found, std::string_view expected) const;
-    [[noreturn]] void fail_type(std::string_view expected) const;
+    [[noreturn]] void fail(std::string found, std::string expected) const;
+    [[noreturn]] void fail_type(std::string expected) const;
 
   private:
     json_node(std::shared_ptr<const json> document, const json *value, std::string file, std::string path);
@@ -70,4 +61,4 @@ class json_node {
 // Parses a text and gives its outermost value.
 json_node read_document(const std::string &file, std::string_view text);
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -1,12 +1,12 @@
+#include "desk/base/json_text.h"
+
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "json.h"
-
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -167,4 +167,4 @@ std::string json_text(const json &value)
     return printer.take() + "\n";
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -1,77 +1,17 @@
+#include "desk/diff/differences.h"
+
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <unordered_map>
 
 #include <fmt/format.h>
 
-#include "commands.h"
-#include "error.h"
-#include "file_values.h"
-#include "json.h"
-#include "record_dump.h"
-#include "tuning_source.h"
+#include "desk/base/error.h"
+#include "desk/base/json_text.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
-
-constexpr int exit_different = 1;
-// Differing elements of one list that are printed without --all.
-constexpr size_t short_list = 8;
-
-struct compared_file {
-    std::string name;
-    std::string_view kind;
-    byte_buffer bytes; // of records and tunings, without what no record uses
-    std::vector<file_part> parts;
-};
-
-// A value that one of the files has otherwise or not at all.
-struct difference {
-    std::string field;
-    std::string index;
-    std::optional<std::string> a;
-    std::optional<std::string> b;
-};
-
-struct part_difference {
-    std::string part;
-    std::string_view only_in; // the file that alone has the part, or empty
-    std::vector<difference> values;
-};
-
-bool is_scene(const std::string &name, byte_view bytes)
-{
-    const std::string_view text(reinterpret_cast<const char *>(bytes.data()), bytes.size());
-    return read_document(name, text).find("frames").has_value();
-}
-
-byte_buffer used_bytes(const std::vector<record_snapshot> &records)
-{
-    byte_buffer bytes;
-    for (const record_snapshot &each : records) {
-        const auto *const start = reinterpret_cast<const uint8_t *>(&each.record);
-        bytes.insert(bytes.end(), start, start + each.bytes_used);
-    }
-    return bytes;
-}
-
-compared_file read_compared(const std::string &file)
-{
-    const std::string name = input_name(file);
-    byte_buffer bytes = read_file(file);
-    if (is_record_dump(bytes)) {
-        const std::vector<record_snapshot> records = read_records(name, bytes);
-        return {name, "a record dump", used_bytes(records), record_parts(records)};
-    }
-    if (!is_container(bytes) && is_scene(name, bytes)) {
-        const scene read = read_scene(name, {reinterpret_cast<const char *>(bytes.data()), bytes.size()});
-        return {name, "a scene", {}, scene_parts(read)};
-    }
-    byte_buffer container = container_bytes(name, std::move(bytes));
-    std::vector<file_part> parts = tuning_parts(read_container(name, container));
-    return {name, "a tuning", std::move(container), std::move(parts)};
-}
 
 using value_index = std::unordered_map<std::string, const placed_value *>;
 
@@ -150,49 +90,21 @@ part_difference hidden_difference(const compared_file &a, const compared_file &b
               value(byte_b, b.bytes.end())}}};
 }
 
-std::string value_text(const std::optional<std::string> &value)
-{
-    return value.value_or("nothing");
-}
-
-void print_values(std::string &text, const part_difference &part, bool all)
-{
-    size_t in_field = 0;
-    for (size_t i = 0; i < part.values.size(); ++i) {
-        const difference &each = part.values[i];
-        in_field = i > 0 && part.values[i - 1].field == each.field ? in_field + 1 : 0;
-        if (all || in_field < short_list)
-            text += fmt::format("  {:<28} {} -> {}\n", each.field + each.index, value_text(each.a), value_text(each.b));
-        const bool last = i + 1 == part.values.size() || part.values[i + 1].field != each.field;
-        if (!all && last && in_field >= short_list)
-            text += fmt::format("  ... {} more of {}, --all shows them\n", in_field + 1 - short_list, each.field);
-    }
-}
-
-std::string plural(size_t count, std::string_view noun)
-{
-    return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
-}
-
-std::string differences_text(const std::vector<part_difference> &differences, size_t part_count, bool all)
-{
-    std::string text;
-    size_t count = 0;
-    for (const part_difference &part : differences) {
-        text += part.part + (part.only_in.empty() ? "\n" : fmt::format(": only in {}\n", part.only_in));
-        if (part.only_in.empty())
-            print_values(text, part, all);
-        count += part.values.size();
-    }
-    if (differences.empty())
-        return fmt::format("no difference in {}\n", plural(part_count, "part"));
-    return text +
-           fmt::format("{} in {} of {}\n", plural(count, "difference"), differences.size(), plural(part_count, "part"));
-}
-
 json value_json(const std::optional<std::string> &value)
 {
     return value ? json::parse(*value) : json(nullptr);
+}
+
+} // namespace
+
+std::vector<part_difference> compare_files(const compared_file &a, const compared_file &b)
+{
+    if (a.kind != b.kind)
+        fail({b.name, "", std::string(b.kind), fmt::format("{} as in {}", a.kind, a.name)});
+    std::vector<part_difference> differences = compare_parts(a.parts, b.parts);
+    if (differences.empty() && a.bytes != b.bytes)
+        differences.push_back(hidden_difference(a, b));
+    return differences;
 }
 
 std::string differences_json(const std::vector<part_difference> &differences)
@@ -208,34 +120,4 @@ std::string differences_json(const std::vector<part_difference> &differences)
     return json_text({{"equal", differences.empty()}, {"differences", std::move(list)}});
 }
 
-int compare(const diff_options &options)
-{
-    if (options.a == "-" && options.b == "-")
-        throw usage_error("found standard input for both files, expected it for one");
-    const compared_file a = read_compared(options.a);
-    const compared_file b = read_compared(options.b);
-    if (a.kind != b.kind)
-        throw usage_error(fmt::format("{}: found {}, expected {} as in {}", b.name, b.kind, a.kind, a.name));
-    std::vector<part_difference> differences = compare_parts(a.parts, b.parts);
-    if (differences.empty() && a.bytes != b.bytes)
-        differences.push_back(hidden_difference(a, b));
-    write_text("-", options.as_json ? differences_json(differences)
-                                    : differences_text(differences, a.parts.size(), options.all));
-    return differences.empty() ? exit_success : exit_different;
-}
-
-} // namespace
-
-int diff(const diff_options &options)
-{
-    // 1 is an answer here, so that every error gives 2.
-    try {
-        return compare(options);
-    } catch (const closed_pipe &) {
-        throw;
-    } catch (const std::exception &error) {
-        throw usage_error(error.what());
-    }
-}
-
-} // namespace qz::tool
+} // namespace qz::desk

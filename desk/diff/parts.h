@@ -4,11 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "record_layout.h"
-#include "scene.h"
-#include "tuning_container.h"
-
-namespace qz::tool {
+namespace qz::desk {
 
 struct placed_value {
     std::string field; // "param", "exposure.analog_gain"
@@ -22,8 +18,4 @@ struct file_part {
     std::vector<placed_value> values;
 };
 
-std::vector<file_part> record_parts(const std::vector<record_snapshot> &records);
-std::vector<file_part> tuning_parts(const tuning_container &container);
-std::vector<file_part> scene_parts(const scene &scene);
-
-} // namespace qz::tool
+} // namespace qz::desk

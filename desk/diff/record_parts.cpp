@@ -1,8 +1,8 @@
+#include "desk/diff/record_parts.h"
+
 #include <fmt/format.h>
 
-#include "file_values.h"
-
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -52,4 +52,4 @@ std::vector<file_part> record_parts(const std::vector<record_snapshot> &records)
     return parts;
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

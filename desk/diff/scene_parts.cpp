@@ -1,14 +1,15 @@
+#include "desk/diff/scene_parts.h"
+
 #include <algorithm>
 #include <cmath>
 #include <nlohmann/json.hpp>
 
 #include <fmt/format.h>
 
-#include "file_values.h"
-#include "frame_fields.h"
-#include "json.h"
+#include "desk/base/json.h"
+#include "desk/scene/frame_fields.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -99,4 +100,4 @@ std::vector<file_part> scene_parts(const scene &scene)
     return parts;
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

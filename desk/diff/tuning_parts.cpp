@@ -1,12 +1,13 @@
+#include "desk/diff/tuning_parts.h"
+
 #include <map>
 #include <nlohmann/json.hpp>
 
 #include <fmt/format.h>
 
-#include "file_values.h"
-#include "tuning_source.h"
+#include "desk/tuning/to_json.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -93,4 +94,4 @@ std::vector<file_part> tuning_parts(const tuning_container &container)
     return std::move(list.parts);
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -1,66 +1,128 @@
-#include "block_sources.h"
+#include "desk/explain/block_sources.h"
 
-namespace qz::tool {
+#include <algorithm>
+#include <iterator>
+
+#include "qz_isp/aic_record.h"
+
+namespace qz::desk {
 
 namespace {
 
-const block_source sources[] = {
-    {"white_balance", "", gate::white_balance, "colour.white_balance_gain"},
-    {"defect_pixel", "defect_pixel_correction", gate::always, "gain: the coefficients of white_balance"},
-    {"long_3", "long_3", gate::always, "gain: white_balance's gains with 9 fractional bits"},
-    {"yuv_to_rgb", "", gate::colour, "colour.ccm"},
-    {"temporal_noise_reduction",
-     "temporal_noise_reduction",
-     gate::noise_reduction,
-     "",
-     {{control::nr_strength, 5.0, 0.2, "factor of param[0]"}}},
-    {"rec_3", "rec_3", gate::always, ""},
-    {"y_edge_enhancement",
-     "y_edge_enhancement",
-     gate::noise_reduction,
-     "",
-     {{control::sharpness, 5.0, 0.2, "factor of param[0..3]", 8191}}},
-    {"fringe_control", "fringe_control", gate::edges, "", {{control::fringe_sharpness, 0, 0, ""}}},
-    {"block_9", "", gate::always, "block9_control XOR 1"},
-    {"chroma_nr",
-     "chroma_nr",
-     gate::noise_reduction,
-     "",
-     {{control::nr_strength, 0.2, 5.0, "factor of field[2..7]", 8191}}},
-    {"ctc", "ctc_config", gate::always, "", {{control::saturation, 0, 0, "factor of the tuned values"}}},
-    {"rec_13_a", "rec_13", gate::always, "", {}, "bytes 10 and 11, which count as 0 in version 100"},
-    {"rec_13_b", "rec_13", gate::always, "", {}, "bytes 8 and 9"},
-    {"edge_enhancement",
-     "edge_enhancement",
-     gate::edges,
-     "",
-     {{control::sharpness, 3.0, 0.333, "factor of param[0]"}, {control::sharpness, 2.0, 0.5, "factor of param[2]"}}},
-    {"macc", "macc", gate::always, "", {{control::hue, 0, 0, "degrees of rotation of every sector"}}},
-    {"macc_shift", "macc", gate::always, "", {}, "bit length of macc's largest integer part"},
-    {"noise_reduction",
-     "noise_reduction",
-     gate::bayer_noise_reduction,
-     "",
-     {{control::nr_strength, 5.0, 0.2, "factor of param[0..1]", 65535}}},
-    {"black_level", "", gate::black_level, "colour.black_level and the sensor's bit depth"},
-    {"xnr", "xnr", gate::noise_reduction, ""},
-    {"rgb_to_yuv", "", gate::fixed, "BT.601 full range"},
-    {"rec_16", "rec_16", gate::always, "all but value[3..5] are fixed"},
-    {"block_21", "", gate::fixed, ""},
-    {"block_22", "", gate::fixed, ""},
-    {"block_23", "", gate::fixed, ""},
-    {"long_5", "long_5", gate::always, "", {}, "curves times the scales of the first row"},
-    {"long_6", "long_6", gate::always, ""},
-    {"long_7", "long_7", gate::always, ""},
-    {"long_13", "long_13", gate::always, ""},
-    {"long_11", "long_11", gate::always, ""},
-    {"long_12", "long_12", gate::always, ""},
-    {"frame_counter", "", gate::counter, "frames run before"},
-    {"gamma_0", "", gate::gamma, "gamma.curve[0]", {{control::tone, 0, 0, ""}}},
-    {"gamma_1", "", gate::gamma, "gamma.curve[1]", {{control::tone, 0, 0, ""}}},
-    {"gamma_2", "", gate::gamma, "gamma.curve[2]", {{control::tone, 0, 0, ""}}},
-    {"lens_shading", "", gate::lens_shading, "lsc.grid and frame"},
+using enum control;
+
+constexpr std::array<control_rule, 2> tone = {{{brightness, "exponent of the whole curve"}, //
+                                               {contrast, "exponent of the curve's two halves"}}};
+
+constexpr block_source sources[] = {
+    {.block = "white_balance", .needs = gate::white_balance, .inputs = "colour.white_balance_gain"},
+    {.block = "defect_pixel",
+     .needs = gate::always,
+     .slot = tuning_slot::defect_pixel_correction,
+     .inputs = "gain: the coefficients of white_balance"},
+    {.block = "long_3",
+     .needs = gate::always,
+     .slot = tuning_slot::long_3,
+     .inputs = "gain: white_balance's gains with 9 fractional bits"},
+    {.block = "yuv_to_rgb", .needs = gate::colour, .inputs = "colour.ccm", .note = note_replaced_matrix},
+    {.block = "temporal_noise_reduction",
+     .needs = gate::noise_reduction,
+     .slot = tuning_slot::temporal_noise_reduction,
+     .controls = {{{nr_strength, "factor of param[0]", temporal_noise_reduction_strength}}}},
+    {.block = "rec_3", .needs = gate::always, .slot = tuning_slot::rec_3},
+    {.block = "y_edge_enhancement",
+     .needs = gate::noise_reduction,
+     .slot = tuning_slot::y_edge_enhancement,
+     .controls = {{{sharpness, "factor of param[0..3]", y_edge_enhancement_strength}}}},
+    {.block = "fringe_control",
+     .needs = gate::edges,
+     .slot = tuning_slot::fringe_control,
+     .controls = {{{fringe_sharpness, "part of the way of field_4_to_7 to "}}},
+     .note = note_fringe_tail},
+    {.block = "block_9", .needs = gate::always, .inputs = "block9_control XOR 1"},
+    {.block = "chroma_nr",
+     .needs = gate::noise_reduction,
+     .slot = tuning_slot::chroma_nr,
+     .controls = {{{nr_strength, "factor of field[2..7]", chroma_nr_strength}}},
+     .note = note_field_units},
+    {.block = "ctc",
+     .needs = gate::always,
+     .slot = tuning_slot::ctc_config,
+     .controls = {{{saturation, "factor of the tuned values"}}},
+     .note = note_saturation},
+    {.block = "rec_13_a",
+     .needs = gate::always,
+     .slot = tuning_slot::rec_13,
+     .reading = "bytes 10 and 11, which count as 0 in version 100"},
+    {.block = "rec_13_b", .needs = gate::always, .slot = tuning_slot::rec_13, .reading = "bytes 8 and 9"},
+    {.block = "edge_enhancement",
+     .needs = gate::edges,
+     .slot = tuning_slot::edge_enhancement,
+     .controls = {{{sharpness, "factor of param[0]", edge_enhancement_strength_0},
+                   {sharpness, "factor of param[2]", edge_enhancement_strength_2}}}},
+    {.block = "macc",
+     .needs = gate::always,
+     .slot = tuning_slot::macc,
+     .controls = {{{hue, "degrees of rotation of every sector"}}},
+     .note = note_base_set},
+    {.block = "macc_shift",
+     .needs = gate::always,
+     .slot = tuning_slot::macc,
+     .reading = "bit length of macc's largest integer part",
+     .note = note_base_set},
+    {.block = "noise_reduction",
+     .needs = gate::bayer_noise_reduction,
+     .slot = tuning_slot::noise_reduction,
+     .controls = {{{nr_strength, "factor of param[0..1]", noise_reduction_strength}}}},
+    {.block = "black_level", .needs = gate::black_level, .inputs = "colour.black_level and the sensor's bit depth"},
+    {.block = "xnr", .needs = gate::noise_reduction, .slot = tuning_slot::xnr},
+    {.block = "rgb_to_yuv", .needs = gate::fixed, .inputs = "BT.601 full range"},
+    {.block = "rec_16", .needs = gate::always, .slot = tuning_slot::rec_16, .inputs = "all but value[3..5] are fixed"},
+    {.block = "block_21", .needs = gate::fixed},
+    {.block = "block_22", .needs = gate::fixed},
+    {.block = "block_23", .needs = gate::fixed},
+    {.block = "long_5",
+     .needs = gate::always,
+     .slot = tuning_slot::long_5,
+     .reading = "curves times the scales of the first row",
+     .without_rows = origin::defaults},
+    {.block = "long_6", .needs = gate::always, .slot = tuning_slot::long_6, .without_rows = origin::defaults},
+    {.block = "long_7", .needs = gate::always, .slot = tuning_slot::long_7},
+    {.block = "long_13", .needs = gate::always, .slot = tuning_slot::long_13},
+    {.block = "long_11", .needs = gate::always, .slot = tuning_slot::long_11},
+    {.block = "long_12", .needs = gate::always, .slot = tuning_slot::long_12},
+    {.block = "frame_counter", .needs = gate::counter, .inputs = "frames run before"},
+    {.block = "gamma_0",
+     .needs = gate::gamma,
+     .inputs = "gamma.curve[0]",
+     .controls = tone,
+     .note = note_gamma_effects,
+     .channel = 0},
+    {.block = "gamma_1",
+     .needs = gate::gamma,
+     .inputs = "gamma.curve[1]",
+     .controls = tone,
+     .note = note_gamma_effects,
+     .channel = 1},
+    {.block = "gamma_2",
+     .needs = gate::gamma,
+     .inputs = "gamma.curve[2]",
+     .controls = tone,
+     .note = note_gamma_effects,
+     .channel = 2},
+    {.block = "lens_shading", .needs = gate::lens_shading, .inputs = "lsc.grid and frame", .note = note_shading},
 };
+
+#define QZ_HAS_SOURCE(name, ...)                                                                                       \
+    static_assert(std::ranges::find(sources, #name, &block_source::block) != std::end(sources),                        \
+                  "block " #name " has no row in sources");
+AIC_BLOCKS(QZ_HAS_SOURCE)
+#undef QZ_HAS_SOURCE
+
+#define QZ_NAME(name, ...) std::string_view(#name),
+constexpr std::string_view block_names[] = {AIC_BLOCKS(QZ_NAME)};
+#undef QZ_NAME
+static_assert(std::ranges::equal(sources, block_names, {}, &block_source::block), "sources are in record order");
 
 } // namespace
 
@@ -69,4 +131,4 @@ std::span<const block_source> block_sources()
     return sources;
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

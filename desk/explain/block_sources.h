@@ -1,21 +1,25 @@
 // What each block of a frame's record is made of.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string_view>
-#include <vector>
 
-namespace qz::tool {
+#include "desk/explain/block_notes.h"
+#include "desk/explain/origin.h"
+#include "noise_detail/strength.h"
+
+namespace qz::desk {
 
 // What has to be there or switched on for a block to be computed.
 enum class gate : uint8_t {
     always,
     fixed,
     counter,
-    noise_reduction,       // nr_mode 1 and above
-    bayer_noise_reduction, // nr_mode 2 and above
-    edges,                 // edge_mode 1 and above
+    noise_reduction,
+    bayer_noise_reduction,
+    edges,
     white_balance,
     colour,
     black_level,
@@ -23,28 +27,29 @@ enum class gate : uint8_t {
     lens_shading,
 };
 
-enum class control : uint8_t { nr_strength, sharpness, fringe_sharpness, hue, saturation, tone };
+enum class control : uint8_t { none, nr_strength, sharpness, fringe_sharpness, hue, saturation, brightness, contrast };
 
-// Factors of a strength at its ends; 1.0 at 0, linear between.
-struct factor_rule {
-    control by;
-    double at_127;
-    double at_minus_128;
-    std::string_view meaning;
-    int limit = 0; // of what a strength other than 0 gives; 0: none
+// A manual control that acts on a block.
+struct control_rule {
+    control by = control::none;
+    std::string_view meaning = {}; // of its amount
+    strength_rule strength = {};   // of nr_strength and sharpness
 };
 
 // How a block comes about.
 struct block_source {
     std::string_view block;
-    std::string_view slot; // of the tuning set; empty: none
     gate needs;
-    std::string_view inputs; // what goes in beside the record, or without one
-    std::vector<factor_rule> factors = {};
+    tuning_slot slot = tuning_slot::none;
+    std::string_view inputs = {};  // what goes in beside the record, or without one
     std::string_view reading = {}; // how values are taken from the record
+    std::array<control_rule, 2> controls = {};
+    note_writer note = nullptr;         // tells what only some frames have
+    origin without_rows = origin::kept; // of a record without rows
+    uint8_t channel = 0;                // of gamma blocks
 };
 
-// In record order.
+// One for each block, in record order.
 std::span<const block_source> block_sources();
 
-} // namespace qz::tool
+} // namespace qz::desk

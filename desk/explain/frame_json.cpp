@@ -1,9 +1,11 @@
+#include "desk/explain/frame_json.h"
+
 #include <nlohmann/json.hpp>
 
-#include "explain_print.h"
-#include "record_print.h"
+#include "desk/base/json_text.h"
+#include "desk/explain/origin_json.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -77,4 +79,4 @@ std::string frames_json(const std::vector<computed_frame> &frames)
     return json_text({{"frames", std::move(list)}});
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -1,14 +1,15 @@
 // Where the values of a frame's record came from.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "selected_records.h"
+#include "desk/explain/selected_records.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 enum class origin : uint8_t {
     tuning,   // a tuning record
@@ -30,6 +31,7 @@ struct row_origin {
     int64_t lower_key;
     int64_t upper_key;
     double weight;
+    std::vector<int32_t> values; // at the gain, before any control
 };
 
 // What a manual control did.
@@ -42,26 +44,27 @@ struct control_origin {
 
 struct block_origin {
     origin source;
-    std::string why; // what is missing or switched off, which inputs went in, how the record was read
-    std::optional<selected_record> record;
-    std::optional<row_origin> rows;
-    std::vector<control_origin> controls;
+    std::string why = {}; // what is missing or switched off, which inputs went in, how the record was read
+    std::optional<selected_record> record = {};
+    std::optional<row_origin> rows = {};
+    std::vector<control_origin> controls = {};
+
+    // One more reason, behind or before the others.
+    void add(std::string_view reason);
+    void add_first(std::string_view reason);
 };
 
 struct frame_origin {
     std::string tuning; // what messages call it
     int32_t set_count;  // set indices it has
     uint32_t tuning_mode;
-    uint32_t gain;        // 256 = unity, 16 bits
-    std::string gain_why; // where it is not the product of the frame's gains
+    std::array<uint8_t, 3> set_order; // of an index's sets: the first that holds a record gives it
+    bool index_0_first;               // a selection list puts set index 0 before the rules' indices
+    uint32_t gain;                    // 256 = unity, 16 bits
+    std::string gain_why;             // where it is not the product of the frame's gains
     float saturation;
-    bool index_0_first; // a selection list puts set index 0 before the rules' indices
     std::vector<evaluated_rule> rules;
     std::vector<block_origin> blocks; // as in record_blocks()
 };
 
-// Selects again what the library selected for the frame that gave the record, and works out the rest from the inputs;
-// nothing about the session changes.
-frame_origin explain_frame(const isp_session &session, const frame_inputs &inputs, const record_snapshot &record);
-
-} // namespace qz::tool
+} // namespace qz::desk

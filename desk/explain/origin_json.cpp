@@ -1,8 +1,8 @@
+#include "desk/explain/origin_json.h"
+
 #include <nlohmann/json.hpp>
 
-#include "explain_print.h"
-
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -37,7 +37,8 @@ json rows_json(const row_origin &rows)
 {
     return {{"count", rows.count},
             {"lower", {{"row", rows.lower}, {"key", rows.lower_key}, {"weight", 1.0 - rows.weight}}},
-            {"upper", {{"row", rows.upper}, {"key", rows.upper_key}, {"weight", rows.weight}}}};
+            {"upper", {{"row", rows.upper}, {"key", rows.upper_key}, {"weight", rows.weight}}},
+            {"values", rows.values}};
 }
 
 } // namespace
@@ -47,15 +48,9 @@ json frame_origin_json(const frame_origin &frame)
     json rules = json::array();
     for (const evaluated_rule &rule : frame.rules)
         rules.push_back(rule_json(rule));
-    return {{"tuning", frame.tuning},
-            {"set_count", frame.set_count},
-            {"tuning_mode", frame.tuning_mode},
-            {"set_order", set_order(frame.tuning_mode)},
-            {"index_0_first", frame.index_0_first},
-            {"rules", std::move(rules)},
-            {"gain", frame.gain},
-            {"gain_why", frame.gain_why},
-            {"saturation", frame.saturation}};
+    return {{"tuning", frame.tuning},       {"set_count", frame.set_count},         {"tuning_mode", frame.tuning_mode},
+            {"set_order", frame.set_order}, {"index_0_first", frame.index_0_first}, {"rules", std::move(rules)},
+            {"gain", frame.gain},           {"gain_why", frame.gain_why},           {"saturation", frame.saturation}};
 }
 
 json block_origin_json(const block_origin &block)
@@ -75,4 +70,4 @@ json block_origin_json(const block_origin &block)
     return result;
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -1,14 +1,22 @@
 // The records that the library selected for a frame, traced back to where the container holds them.
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string_view>
 #include <vector>
 
-#include "session.h"
-#include "tuning_container.h"
+#include "desk/run/session.h"
+#include "desk/tuning/container.h"
+#include "qz_isp/tuning_layout.h"
 
-namespace qz::tool {
+namespace qz::desk {
+
+// A slot of the tuning set that holds a record.
+#define QZ_SLOT(name) name,
+enum class tuning_slot : uint8_t { ISP_TUNING_SLOTS(QZ_SLOT) none };
+#undef QZ_SLOT
+std::string_view slot_name(tuning_slot slot);
 
 struct selected_record {
     const record_kind *kind;
@@ -32,13 +40,30 @@ struct evaluated_rule {
     bool matches;
 };
 
-// What the library selects for a frame; the session must outlive it.
+// Where a session's library filed the records of its container.
+class filed_records {
+  public:
+    explicit filed_records(const isp_session &session);
+
+    struct place {
+        uint8_t set;
+        unsigned set_index;
+        std::optional<size_t> offset;
+    };
+    // Of a record in a slot of one of the session's sets.
+    const place &place_of(const isp_record *record) const { return places_.at(record); }
+
+  private:
+    std::map<const isp_record *, place> places_;
+};
+
+// What the library selects for a frame; the session and where it filed its records must outlive it.
 class frame_selection {
   public:
-    frame_selection(const isp_session &session, const frame_inputs &inputs);
+    frame_selection(const isp_session &session, const filed_records &filed, const frame_inputs &inputs);
 
     // Nothing for a slot that is empty in this frame.
-    std::optional<selected_record> find(std::string_view slot) const;
+    std::optional<selected_record> find(tuning_slot slot) const;
 
     const std::vector<evaluated_rule> &rules() const { return rules_; }
     const isp_tuning_set &selected() const { return selected_; }
@@ -46,15 +71,14 @@ class frame_selection {
   private:
     std::optional<size_t> rule_of(unsigned set_index) const;
 
-    const isp_context *context_;
-    tuning_container container_;
+    const filed_records *filed_;
     isp_tuning_set selected_;
     std::vector<evaluated_rule> rules_;
     bool index_0_first_; // a selection list takes it before any rule
 };
 
-// Order of an index's sets: the first that holds a record gives it.
-std::array<uint8_t, 3> set_order(uint32_t tuning_mode);
+// Whether a record of the shape has rows that a gain lies between.
+bool has_gain_rows(const record_kind &kind);
 
 // The rows of a record of one of the row shapes.
 struct record_rows {
@@ -63,10 +87,10 @@ struct record_rows {
     const uint8_t *bytes;
     bool wide; // 32-bit signed keys, else unsigned 16-bit ones
 
-    int64_t key(size_t row) const;
+    int32_t key(size_t row) const;
 };
 record_rows rows_of(const selected_record &record);
 // A row's key and values.
 std::vector<int32_t> row_values(const selected_record &record, size_t row);
 
-} // namespace qz::tool
+} // namespace qz::desk

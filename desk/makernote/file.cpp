@@ -1,13 +1,13 @@
-#include "makernote_file.h"
+#include "desk/makernote/file.h"
 
 #include <algorithm>
 
 #include <fmt/format.h>
 
-#include "error.h"
-#include "tuning_container.h"
+#include "desk/base/error.h"
+#include "qz_isp/makernote_records.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -27,42 +27,9 @@ struct named_record {
     std::string_view text;
 };
 
-constexpr named_record names[] = {
-    {512, "white_balance"},
-    {514, "black_level and the next block's id"},
-    {516, "block_22"},
-    {517, "defect_pixel"},
-    {518, "noise_reduction"},
-    {519, "edge_enhancement"},
-    {520, "temporal_noise_reduction"},
-    {521, "xnr"},
-    {523, "rec_16, first six values"},
-    {524, "macc"},
-    {527, "lens_shading, enable to format"},
-    {528, "lens_shading, two rows of table 0"},
-    {530, "rec_3"},
-    {531, "fringe_control: exponent, fields 4 to 11, fields 0 to 3"},
-    {532, "chroma_nr"},
-    {533, "ctc"},
-    {534, "gamma_0 table"},
-    {535, "rec_13_b, rec_13_a"},
-    {537, "yuv_to_rgb"},
-    {538, "version"},
-    {540, "gamma input: 0 none, 2 curves"},
-    {541, "y_edge_enhancement"},
-    {542, "macc_shift"},
-    {543, "manual controls"},
-    {544, "frame geometry"},
-    {545, "block_9"},
-    {546, "long_3"},
-    {547, "long_5 in 16-bit halves"},
-    {549, "long_6 in 16-bit halves"},
-    {550, "long_7 in 16-bit halves"},
-    {551, "long_13 in 16-bit halves"},
-    {553, "long_11 in 16-bit halves"},
-    {554, "long_12 in 16-bit halves"},
-    {528 + 65536, "lens_shading, all tables"},
-};
+#define QZ_NAMED_RECORD(name, number, format, count, content) {number, content},
+constexpr named_record names[] = {ISP_MAKERNOTE_RECORDS(QZ_NAMED_RECORD)};
+#undef QZ_NAMED_RECORD
 
 const element_format *find_format(uint32_t format)
 {
@@ -79,20 +46,19 @@ class makernote_reader {
         constexpr size_t version_at = offsetof(qz_mkn_saved_header, version);
         expect(sizeof(qz_mkn_saved_header), "the header");
         if (word(0) != QZ_MKN_SAVED_TAG)
-            throw file_error(file_, "offset 0", fmt::format("the bytes {}", hex_text(bytes_.first(4))),
-                             "the tag \"QMKN\" (514d4b4e) of a saved makernote");
+            fail({file_, "offset 0", fmt::format("the bytes {}", hex_text(bytes_.first(4))),
+                  "the tag \"QMKN\" (514d4b4e) of a saved makernote"});
         if (word(version_at) != QZ_MKN_SAVED_VERSION)
-            throw file_error(file_, fmt::format("offset {}", version_at), fmt::format("version {}", word(version_at)),
-                             fmt::format("version {}", QZ_MKN_SAVED_VERSION));
+            fail({file_, fmt::format("offset {}", version_at), fmt::format("version {}", word(version_at)),
+                  fmt::format("version {}", QZ_MKN_SAVED_VERSION)});
         saved_makernote makernote = {word(offsetof(qz_mkn_saved_header, dropped)), {}};
         const uint32_t count = word(offsetof(qz_mkn_saved_header, count));
         offset_ = sizeof(qz_mkn_saved_header);
         for (uint32_t i = 0; i < count; ++i)
             makernote.records.push_back(read_record());
         if (offset_ != bytes_.size())
-            throw file_error(file_, fmt::format("offset {}", offset_),
-                             fmt::format("{} more bytes", bytes_.size() - offset_),
-                             fmt::format("the end, after {} records", count));
+            fail({file_, fmt::format("offset {}", offset_), fmt::format("{} more bytes", bytes_.size() - offset_),
+                  fmt::format("the end, after {} records", count)});
         return makernote;
     }
 
@@ -102,8 +68,8 @@ class makernote_reader {
     void expect(uint64_t size, std::string_view what) const
     {
         if (bytes_.size() - offset_ < size)
-            throw file_error(file_, fmt::format("offset {}", offset_), fmt::format("{} bytes", bytes_.size() - offset_),
-                             fmt::format("the {} of {}", size, what));
+            fail({file_, fmt::format("offset {}", offset_), fmt::format("{} bytes", bytes_.size() - offset_),
+                  fmt::format("the {} of {}", size, what)});
     }
 
     makernote_record read_record()
@@ -117,8 +83,7 @@ class makernote_reader {
         const uint32_t key_size = word(offsetof(qz_mkn_saved_record, key_size));
         const element_format *format = find_format(record.format);
         if (format == nullptr)
-            throw file_error(file_, fmt::format("offset {}", offset_), fmt::format("format {}", record.format),
-                             "1 to 6 or 9");
+            fail({file_, fmt::format("offset {}", offset_), fmt::format("format {}", record.format), "1 to 6 or 9"});
         const uint64_t size = uint64_t{record.count} * element_size(format->type);
         const uint64_t padded = (size + key_size + 3) & ~uint64_t{3};
         expect(sizeof(qz_mkn_saved_record) + padded, fmt::format("record {}", record.name));
@@ -170,4 +135,4 @@ std::string_view makernote_record_name(uint32_t name)
     return found != std::end(names) ? found->text : "";
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "fields.h"
-#include "files.h"
+#include "desk/base/bytes.h"
+#include "desk/base/fields.h"
 #include "qz_mkn.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 struct makernote_record {
     uint32_t name;
@@ -30,7 +30,7 @@ struct saved_makernote {
 
 byte_buffer save_makernote(const qz_mkn *makernote);
 
-// Throws file_error with the offset of what is wrong. The views point into the bytes.
+// Fails with the offset of what is wrong. The views point into the bytes.
 saved_makernote read_makernote(const std::string &file, byte_view bytes);
 
 // "u16", or empty for a number that is no format.
@@ -39,4 +39,4 @@ std::string_view makernote_format_name(uint32_t format);
 // What the ISP library's record of a name holds; empty for other names.
 std::string_view makernote_record_name(uint32_t name);
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -1,14 +1,13 @@
-#include "record_dump.h"
+#include "desk/record/dump.h"
 
 #include <algorithm>
 #include <cstring>
 
 #include <fmt/format.h>
 
-#include "error.h"
-#include "tuning_container.h"
+#include "desk/base/error.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -44,8 +43,8 @@ class dump_reader {
     {
         const byte_view rest = bytes_.subspan(start);
         if (rest.size() < AIC_FIXED_SIZE)
-            throw file_error(file_, fmt::format("offset {}", start), fmt::format("{} bytes", rest.size()),
-                             fmt::format("a record of at least {}", AIC_FIXED_SIZE));
+            fail_at(start, fmt::format("{} bytes", rest.size()),
+                    fmt::format("a record of at least {}", AIC_FIXED_SIZE));
         for (const block_layout &block : record_blocks()) {
             if (!has_shading_tables(block))
                 expect_header(start + block.offset, block, block.size);
@@ -62,8 +61,8 @@ class dump_reader {
         const auto id = word(offset);
         const auto found = word(offset + 4);
         if (id != block.id || found != size)
-            throw file_error(file_, fmt::format("offset {}", offset), fmt::format("block {} of size {}", id, found),
-                             fmt::format("block {} ({}) of size {}", block.id, block.name, size));
+            fail_at(offset, fmt::format("block {} of size {}", id, found),
+                    fmt::format("block {} ({}) of size {}", block.id, block.name, size));
     }
 
     // 0 when what follows the fixed blocks is not the lens shading block.
@@ -76,9 +75,9 @@ class dump_reader {
         const auto size = word(offset + 4);
         constexpr uint32_t largest = header_size + 8 * AIC_LENS_SHADING_MAX_ENTRIES;
         if (size < header_size || size % 8 != 0 || size > std::min<size_t>(rest, largest))
-            throw file_error(file_, fmt::format("offset {}", offset + 4), fmt::format("a size of {}", size),
-                             fmt::format("a multiple of 8 up to {} for block {} ({})", std::min<size_t>(rest, largest),
-                                         block.id, block.name));
+            fail_at(offset + 4, fmt::format("a size of {}", size),
+                    fmt::format("a multiple of 8 up to {} for block {} ({})", std::min<size_t>(rest, largest), block.id,
+                                block.name));
         if (size >= AIC_LENS_SHADING_TABLES_OFFSET)
             expect_entries(offset, (size - header_size) / 8);
         return size;
@@ -89,9 +88,13 @@ class dump_reader {
         const auto columns = word(offset + columns_at);
         const auto rows = word(offset + rows_at);
         if (uint64_t{columns} * rows != entries)
-            throw file_error(file_, fmt::format("offset {}", offset + columns_at),
-                             fmt::format("{} columns and {} rows", columns, rows),
-                             fmt::format("{} entries, as the size of the block tells", entries));
+            fail_at(offset + columns_at, fmt::format("{} columns and {} rows", columns, rows),
+                    fmt::format("{} entries, as the size of the block tells", entries));
+    }
+
+    [[noreturn]] void fail_at(size_t offset, std::string found, std::string expected) const
+    {
+        fail({file_, fmt::format("offset {}", offset), std::move(found), std::move(expected)});
     }
 
     uint32_t word(size_t offset) const { return read_le<uint32_t>(bytes_, offset); }
@@ -115,4 +118,10 @@ std::vector<record_snapshot> read_records(const std::string &file, byte_view byt
     return dump_reader(file, bytes).read();
 }
 
-} // namespace qz::tool
+void append_record(byte_buffer &dump, const record_snapshot &record)
+{
+    const auto *const start = reinterpret_cast<const uint8_t *>(&record.record);
+    dump.insert(dump.end(), start, start + record.bytes_used);
+}
+
+} // namespace qz::desk

@@ -4,15 +4,18 @@
 #include <string>
 #include <vector>
 
-#include "files.h"
-#include "record_layout.h"
+#include "desk/base/bytes.h"
+#include "desk/record/layout.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 // True when the bytes begin as a record does.
 bool is_record_dump(byte_view bytes);
 
-// The records of a dump. Throws file_error where a block is not the one that belongs there.
+// The records of a dump. Fails where a block is not the one that belongs there.
 std::vector<record_snapshot> read_records(const std::string &file, byte_view bytes);
 
-} // namespace qz::tool
+// Appends a record's bytes in use.
+void append_record(byte_buffer &dump, const record_snapshot &record);
+
+} // namespace qz::desk

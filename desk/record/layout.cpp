@@ -1,107 +1,103 @@
-#include "record_layout.h"
+#include "desk/record/layout.h"
 
 #include <algorithm>
 #include <array>
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
-// Payload fields by payload type; offsets from the start of the payload.
-template <typename Payload>
-constexpr std::array<field, 0> payload_fields = {};
+struct payload_field {
+    std::string_view payload;
+    field described; // offset from the start of the payload
+};
 
-// Tuned words are interpolated as signed numbers and stored as their two's complement.
-#define QZ_SIGNED_FIELD(type, member) with_type(QZ_FIELD(type, member), element::i32)
-
-template <>
-constexpr std::array payload_fields<aic_white_balance> = {QZ_FIELD(aic_white_balance, shift),
-                                                          QZ_FIELD(aic_white_balance, gain)};
-template <>
-constexpr std::array payload_fields<aic_defect_pixel> = {QZ_FIELD(aic_defect_pixel, param),
-                                                         QZ_FIELD(aic_defect_pixel, gain)};
-template <>
-constexpr std::array payload_fields<aic_long_3> = {QZ_SIGNED_FIELD(aic_long_3, param), QZ_FIELD(aic_long_3, gain)};
-template <>
-constexpr std::array payload_fields<aic_colour_matrix> = {QZ_FIELD(aic_colour_matrix, frac_bits),
-                                                          QZ_FIELD_ROWS(aic_colour_matrix, coeff, 3)};
-template <>
-constexpr std::array payload_fields<aic_params_3> = {QZ_FIELD(aic_params_3, param)};
-template <>
-constexpr std::array payload_fields<aic_noise_reduction> = {QZ_FIELD(aic_noise_reduction, param)};
-template <>
-constexpr std::array payload_fields<aic_rec_3> = {QZ_FIELD(aic_rec_3, value)};
-template <>
-constexpr std::array payload_fields<aic_y_edge_enhancement> = {QZ_FIELD(aic_y_edge_enhancement, param)};
-template <>
-constexpr std::array payload_fields<aic_fringe_control> = {
-    QZ_FIELD(aic_fringe_control, exponent),     QZ_FIELD(aic_fringe_control, unused),
-    QZ_FIELD(aic_fringe_control, field_0_to_3), QZ_FIELD(aic_fringe_control, field_4_to_7),
-    QZ_FIELD(aic_fringe_control, field_8_to_9), QZ_FIELD(aic_fringe_control, field_10_to_11)};
-template <>
-constexpr std::array payload_fields<aic_word> = {QZ_FIELD(aic_word, value)};
-template <>
-constexpr std::array payload_fields<aic_half_word> = {QZ_FIELD(aic_half_word, value)};
-template <>
-constexpr std::array payload_fields<aic_chroma_nr> = {QZ_FIELD(aic_chroma_nr, field)};
-template <>
-constexpr std::array payload_fields<aic_ctc> = {QZ_FIELD(aic_ctc, mantissa), QZ_FIELD(aic_ctc, shift),
-                                                QZ_FIELD(aic_ctc, value)};
-template <>
-constexpr std::array payload_fields<aic_macc> = {QZ_FIELD(aic_macc, coeff)};
-template <>
-constexpr std::array payload_fields<aic_byte> = {QZ_FIELD(aic_byte, value)};
-template <>
-constexpr std::array payload_fields<aic_black_level> = {QZ_FIELD(aic_black_level, level)};
-template <>
-constexpr std::array payload_fields<aic_xnr> = {QZ_FIELD(aic_xnr, param)};
-template <>
-constexpr std::array payload_fields<aic_rec_16> = {QZ_SIGNED_FIELD(aic_rec_16, value)};
-template <>
-constexpr std::array payload_fields<aic_half_words_2> = {QZ_FIELD(aic_half_words_2, value)};
-template <>
-constexpr std::array payload_fields<aic_bytes_2> = {QZ_FIELD(aic_bytes_2, value)};
-template <>
-constexpr std::array payload_fields<aic_long_5> = {
-    QZ_SIGNED_FIELD(aic_long_5, curve_a), QZ_SIGNED_FIELD(aic_long_5, curve_b), QZ_SIGNED_FIELD(aic_long_5, param)};
-template <>
-constexpr std::array payload_fields<aic_long_6> = {QZ_SIGNED_FIELD(aic_long_6, param)};
-template <>
-constexpr std::array payload_fields<aic_long_7> = {QZ_SIGNED_FIELD(aic_long_7, param)};
-template <>
-constexpr std::array payload_fields<aic_long_13> = {QZ_SIGNED_FIELD(aic_long_13, param)};
-template <>
-constexpr std::array payload_fields<aic_long_11> = {QZ_SIGNED_FIELD(aic_long_11, param)};
-template <>
-constexpr std::array payload_fields<aic_long_12> = {QZ_SIGNED_FIELD(aic_long_12, param)};
-template <>
-constexpr std::array payload_fields<aic_gamma> = {QZ_FIELD(aic_gamma, has_257_entries), QZ_FIELD(aic_gamma, table)};
-template <>
-constexpr std::array payload_fields<aic_lens_shading> = {
-    QZ_FIELD(aic_lens_shading, enable),        QZ_FIELD(aic_lens_shading, scaled_width),
-    QZ_FIELD(aic_lens_shading, scaled_height), QZ_FIELD(aic_lens_shading, columns),
-    QZ_FIELD(aic_lens_shading, rows),          QZ_FIELD(aic_lens_shading, format),
-    QZ_FIELD(aic_lens_shading, table)};
-
-// The payload's fields at their places in the record.
-template <typename Payload>
-consteval auto placed_fields(uint32_t block_offset)
+consteval field read_as_plain(const field &described)
 {
-    auto placed = payload_fields<Payload>;
-    static_assert(!placed.empty(), "every payload type has its fields above");
-    for (field &described : placed)
-        described.offset += block_offset + 8;
-    return placed;
+    return described;
 }
 
-#define QZ_PLACED(name, id, size, offset)                                                                              \
-    constexpr auto name##_fields = placed_fields<decltype(aic_##name##_block::payload)>(offset);
-AIC_BLOCKS(QZ_PLACED)
-#undef QZ_PLACED
+// Tuned words are interpolated as signed numbers and stored as their two's complement.
+consteval field read_as_signed_words(const field &described)
+{
+    return with_type(described, element::i32);
+}
 
-#define QZ_LAYOUT(name, id, size, offset) block_layout{#name, id, size, offset, name##_fields},
-constexpr std::array blocks = {AIC_BLOCKS(QZ_LAYOUT)};
-#undef QZ_LAYOUT
+consteval field read_as_rows_of_3(field described)
+{
+    described.columns = 3;
+    return described;
+}
+
+// What is not listed is left out by its count.
+consteval field read_as_unlisted(field described)
+{
+    described.count = 0;
+    return described;
+}
+
+#define QZ_PAYLOAD_FIELD(payload, member, reading) {#payload, read_as_##reading(QZ_FIELD(payload, member))},
+constexpr payload_field payload_fields[] = {AIC_FIELDS(QZ_PAYLOAD_FIELD)};
+#undef QZ_PAYLOAD_FIELD
+
+struct block_row {
+    block_layout block; // without its fields
+    std::string_view payload;
+};
+
+#define QZ_BLOCK_ROW(name, id, size, offset, payload, padding, family) {{#name, id, size, offset, {}}, #payload},
+constexpr block_row rows[] = {AIC_BLOCKS(QZ_BLOCK_ROW)};
+#undef QZ_BLOCK_ROW
+
+constexpr bool belongs(const payload_field &one, const block_row &row)
+{
+    return one.payload == row.payload && one.described.count != 0;
+}
+
+constexpr size_t field_count(const block_row &row)
+{
+    return static_cast<size_t>(
+        std::ranges::count_if(payload_fields, [&](const payload_field &one) { return belongs(one, row); }));
+}
+
+consteval size_t field_count()
+{
+    size_t count = 0;
+    for (const block_row &row : rows)
+        count += field_count(row);
+    return count;
+}
+
+// The blocks' fields, one block after the other, at their places in the record.
+consteval auto placed_fields()
+{
+    constexpr uint32_t header_size = 8;
+    std::array<field, field_count()> placed = {};
+    size_t count = 0;
+    for (const block_row &row : rows) {
+        for (const payload_field &one : payload_fields) {
+            if (belongs(one, row)) {
+                placed[count] = one.described;
+                placed[count++].offset += row.block.offset + header_size;
+            }
+        }
+    }
+    return placed;
+}
+constexpr std::array fields = placed_fields();
+
+consteval auto blocks_with_fields()
+{
+    std::array<block_layout, std::size(rows)> all = {};
+    size_t first = 0;
+    for (size_t i = 0; i < all.size(); ++i) {
+        all[i] = rows[i].block;
+        all[i].fields = std::span(fields).subspan(first, field_count(rows[i]));
+        first += all[i].fields.size();
+    }
+    return all;
+}
+constexpr std::array blocks = blocks_with_fields();
 
 size_t held_entries(const record_snapshot &snapshot)
 {
@@ -180,4 +176,4 @@ shading_table shading_channel(const record_snapshot &snapshot, size_t channel)
     return {held.subspan(start, std::min(count, held.size() - start)), columns, rows};
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -6,10 +6,10 @@
 #include <span>
 #include <string_view>
 
-#include "fields.h"
+#include "desk/base/fields.h"
 #include "qz_isp/aic_record.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 struct block_layout {
     std::string_view name;
@@ -64,4 +64,4 @@ struct shading_table {
 bool has_shading_tables(const block_layout &block);
 shading_table shading_channel(const record_snapshot &snapshot, size_t channel);
 
-} // namespace qz::tool
+} // namespace qz::desk

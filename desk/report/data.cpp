@@ -1,13 +1,13 @@
-#include "report_data.h"
+#include "desk/report/data.h"
 
 #include <nlohmann/json.hpp>
 
-#include "frame_fields.h"
-#include "gain_curves.h"
-#include "json_fields.h"
-#include "record_print.h"
+#include "desk/base/json_fields.h"
+#include "desk/explain/frame_json.h"
+#include "desk/report/gain_curves.h"
+#include "desk/scene/frame_fields.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -23,23 +23,14 @@ json gamma_tables(const record_snapshot &snapshot)
     return tables;
 }
 
-// The scene with brightness and contrast left out, in a context of its own.
-class plain_session {
-  public:
-    plain_session(const scene &inputs, const byte_buffer &container, const std::string &tuning)
-        : session_(container, tuning, inputs)
-    {}
-
-    json gamma_of(frame_inputs frame)
-    {
+scene without_tone(scene scene)
+{
+    for (frame_inputs &frame : scene.frames) {
         frame.controls.brightness = 0;
         frame.controls.contrast = 0;
-        return gamma_tables(session_.run(frame));
     }
-
-  private:
-    isp_session session_;
-};
+    return scene;
+}
 
 json effects_json(uint32_t effects)
 {
@@ -67,26 +58,24 @@ json inputs_json(frame_inputs frame)
 
 } // namespace
 
-json report_data(const scene &inputs, const byte_buffer &container, const std::string &tuning,
-                 const std::pair<size_t, size_t> &chosen)
+json report_data(const scene &setup, const byte_buffer &container, const std::string &tuning_name,
+                 const frame_choice &chosen)
 {
-    isp_session session(container, tuning, inputs);
-    plain_session plain(inputs, container, tuning);
+    isp_session session(container, tuning_name, setup);
+    const std::vector<computed_frame> frames = compute_frames(session, setup, chosen, true);
+    const scene plain = without_tone(setup);
+    isp_session plain_session(container, tuning_name, plain);
+    const std::vector<computed_frame> plain_frames = compute_frames(plain_session, plain, chosen, false);
+
     gain_curves curves;
-    json frames = json::array();
-    for (size_t i = 0; i < chosen.second; ++i) {
-        const frame_inputs &frame = inputs.frames[i];
-        const record_snapshot snapshot = session.run(frame);
-        json plain_gamma = plain.gamma_of(frame);
-        if (i < chosen.first)
-            continue;
-        const frame_origin origin = explain_frame(session, frame, snapshot);
-        json &made = frames.emplace_back(frame_json({i, frame.name, snapshot, origin}));
-        made.update({{"inputs", inputs_json(frame)},
-                     {"plain_gamma", std::move(plain_gamma)},
-                     {"records", curves.of_frame(origin)}});
+    json list = json::array();
+    for (size_t i = 0; i < frames.size(); ++i) {
+        json &made = list.emplace_back(frame_json(frames[i]));
+        made.update({{"inputs", inputs_json(setup.frames[frames[i].index])},
+                     {"plain_gamma", gamma_tables(plain_frames[i].snapshot)},
+                     {"records", curves.of_frame(*frames[i].origin)}});
     }
-    return {{"frames", std::move(frames)}, {"curves", curves.take()}};
+    return {{"record_size", AIC_RECORD_SIZE}, {"frames", std::move(list)}, {"curves", curves.take()}};
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

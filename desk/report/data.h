@@ -1,16 +1,14 @@
 // What the report page shows, as JSON.
 #pragma once
 
-#include <utility>
+#include "desk/base/json.h"
+#include "desk/run/session.h"
+#include "desk/scene/frame_choice.h"
 
-#include "inputs.h"
-#include "json.h"
-#include "session.h"
+namespace qz::desk {
 
-namespace qz::tool {
+// The chosen frames of a scene.
+json report_data(const scene &setup, const byte_buffer &container, const std::string &tuning_name,
+                 const frame_choice &chosen);
 
-// Runs the frames of a scene up to `chosen`'s end and describes the chosen ones.
-json report_data(const scene &inputs, const byte_buffer &container, const std::string &tuning,
-                 const std::pair<size_t, size_t> &chosen);
-
-} // namespace qz::tool
+} // namespace qz::desk

@@ -1,4 +1,4 @@
-#include "gain_curves.h"
+#include "desk/report/gain_curves.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,7 +6,7 @@
 
 #include "qz_isp/gain.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -85,9 +85,9 @@ json gain_curves::of_frame(const frame_origin &frame)
     json records = json::array();
     for (const block_origin &block : frame.blocks) {
         if (block.record && block.rows)
-            records.push_back({{"slot", slot_name(*block.record->kind)},
+            records.push_back({{"slot", block.record->kind->slot},
                                {"curves", number_of(*block.record)},
-                               {"at_gain", gain_table(*block.record).at(static_cast<uint16_t>(frame.gain))}});
+                               {"at_gain", block.rows->values}});
     }
     return records;
 }
@@ -107,4 +107,4 @@ size_t gain_curves::number_of(const selected_record &record)
     return known->second;
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -4,10 +4,10 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
-#include "explain.h"
-#include "json.h"
+#include "desk/base/json.h"
+#include "desk/explain/explain.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 // Frames that select the same record share its curves.
 class gain_curves {
@@ -26,4 +26,4 @@ class gain_curves {
     json curves_ = json::array();
 };
 
-} // namespace qz::tool
+} // namespace qz::desk

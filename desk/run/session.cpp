@@ -1,13 +1,13 @@
-#include "session.h"
+#include "desk/run/session.h"
 
 #include <cstring>
 
 #include <fmt/format.h>
 
-#include "error.h"
+#include "desk/base/error.h"
 #include "qz_isp/error.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -89,9 +89,10 @@ isp_session::isp_session(byte_buffer container, std::string tuning_name, const s
     context_.reset(
         qz_isp_2_7_init(&blob, setup.grid_width, setup.grid_height, setup.cmc ? &bound.cmc : nullptr, makernote));
     if (!context_)
-        throw file_error(tuning_name_,
-                         fmt::format("the library did not accept it with a statistics grid of {} x {} cells",
-                                     setup.grid_width, setup.grid_height));
+        fail({tuning_name_, "",
+              fmt::format("the library did not accept it with a statistics grid of {} x {} cells", setup.grid_width,
+                          setup.grid_height),
+              ""});
 }
 
 record_snapshot isp_session::run(const frame_inputs &inputs)
@@ -100,7 +101,7 @@ record_snapshot isp_session::run(const frame_inputs &inputs)
     isp_output_desc output = {nullptr, 0};
     const uint32_t status = qz_isp_2_7_run(context_.get(), &frame.params, &output);
     if (status != ISP_SUCCESS || output.record == nullptr)
-        throw std::runtime_error(fmt::format("the frame run failed with status {}", status));
+        fail({tuning_name_, "", fmt::format("the frame run failed with status {}", status), ""});
     return take_snapshot(*output.record, output.bytes_used);
 }
 
@@ -121,4 +122,4 @@ isp_tuning_set isp_session::selection(const frame_inputs &inputs) const
     return selected;
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

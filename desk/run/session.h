@@ -5,12 +5,12 @@
 #include <optional>
 #include <string>
 
-#include "files.h"
+#include "desk/base/bytes.h"
+#include "desk/record/layout.h"
+#include "desk/scene/scene.h"
 #include "qz_mkn.h"
-#include "record_layout.h"
-#include "scene.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 class isp_session {
   public:
@@ -40,4 +40,4 @@ class isp_session {
     std::unique_ptr<isp_context, context_deleter> context_;
 };
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -1,8 +1,8 @@
-#include "frame_fields.h"
+#include "desk/scene/frame_fields.h"
 
 #include <array>
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -101,4 +101,4 @@ std::span<const input_group> input_groups()
     return groups;
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -4,10 +4,10 @@
 #include <span>
 #include <string_view>
 
-#include "fields.h"
-#include "scene.h"
+#include "desk/base/fields.h"
+#include "desk/scene/scene.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 // A struct of a frame's inputs.
 struct input_group {
@@ -26,4 +26,4 @@ std::span<const field> sensor_fields();
 constexpr std::string_view effect_names[] = {"macc_1",    "macc_2",   "macc_3", "macc_4",       "macc_5", "warm_grey",
                                              "two_level", "negative", "vivid",  "negative_alt", "grey",   "cool_grey"};
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -1,13 +1,13 @@
-#include "scene.h"
+#include "desk/scene/scene.h"
 
 #include <algorithm>
 
 #include <fmt/format.h>
 
-#include "frame_fields.h"
-#include "json_fields.h"
+#include "desk/base/json_fields.h"
+#include "desk/scene/frame_fields.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -211,4 +211,4 @@ scene read_scene(const std::string &file, std::string_view text)
     return result;
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "files.h"
+#include "desk/base/bytes.h"
 #include "qz_isp/context.h"
 #include "qz_isp/frame.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 // A list of numbers that may be missing altogether.
 using curve = std::optional<std::vector<float>>;
@@ -56,4 +56,4 @@ struct scene {
 
 scene read_scene(const std::string &file, std::string_view text);
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -1,22 +1,34 @@
-#include "sweep_columns.h"
+#include "desk/sweep/columns.h"
 
 #include <algorithm>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "error.h"
+#include "desk/base/error.h"
 #include "qz_isp/checksum.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
 constexpr uint32_t default_count = 16;
 
-[[noreturn]] void fail(std::string_view item, std::string_view found, std::string_view expected)
+// A number about the whole record.
+struct whole_column {
+    std::string_view name;
+    uint32_t (*value)(const record_snapshot &snapshot);
+};
+
+constexpr whole_column whole_columns[] = {
+    {"bytes_used", [](const record_snapshot &snapshot) { return snapshot.bytes_used; }},
+    {"checksum",
+     [](const record_snapshot &snapshot) -> uint32_t { return get_checksum(&snapshot.record, snapshot.bytes_used); }},
+};
+
+[[noreturn]] void fail_item(std::string_view item, std::string found, std::string expected)
 {
-    throw usage_error(fmt::format("--fields \"{}\": found {}, expected {}", item, found, expected));
+    fail({std::nullopt, fmt::format("fields \"{}\"", item), std::move(found), std::move(expected)});
 }
 
 // Columns in the order in which they were chosen, none twice.
@@ -24,13 +36,9 @@ class column_list {
   public:
     void add(std::string_view item)
     {
-        if (item == "bytes_used")
-            return add_one(item, {"bytes_used", nullptr, nullptr, 0,
-                                  [](const record_snapshot &snapshot) { return snapshot.bytes_used; }});
-        if (item == "checksum")
-            return add_one(item, {"checksum", nullptr, nullptr, 0, [](const record_snapshot &snapshot) {
-                                      return get_checksum(&snapshot.record, snapshot.bytes_used);
-                                  }});
+        const auto *const whole = std::ranges::find(whole_columns, item, &whole_column::name);
+        if (whole != std::end(whole_columns))
+            return add_one(item, {std::string(item), nullptr, nullptr, 0, whole->value});
         const size_t dot = std::min(item.find('.'), item.size());
         const std::string_view block_name = item.substr(0, dot);
         const std::string_view field_name = item.substr(std::min(dot + 1, item.size()));
@@ -56,8 +64,8 @@ class column_list {
                 return block;
             known.push_back(fmt::format("block{} ({})", block.id, block.name));
         }
-        fail(item, fmt::format("the block \"{}\"", name),
-             fmt::format("bytes_used, checksum, or a field of one of {}", fmt::join(known, ", ")));
+        fail_item(item, fmt::format("the block \"{}\"", name),
+                  fmt::format("{}, or a field of one of {}", whole_column_names(), fmt::join(known, ", ")));
     }
 
     void add_fields(std::string_view item, std::string_view block_name, const block_layout &block,
@@ -73,8 +81,8 @@ class column_list {
             std::vector<std::string> known;
             for (const field &described : block.fields)
                 known.push_back(element_names(described));
-            fail(item, fmt::format("the field \"{}\"", field_name),
-                 fmt::format("* or one of {} in block {}", fmt::join(known, ", "), block.name));
+            fail_item(item, fmt::format("the field \"{}\"", field_name),
+                      fmt::format("* or one of {} in block {}", fmt::join(known, ", "), block.name));
         }
         add_part(item, block_name, block, *part);
         // A single value keeps the name that it was asked for by.
@@ -93,7 +101,7 @@ class column_list {
     {
         for (const sweep_column &other : columns) {
             if (other.whole == column.whole && other.described == column.described && other.index == column.index)
-                fail(item, fmt::format("{} and {}, the same value", other.name, column.name), "every value once");
+                fail_item(item, fmt::format("{} and {}, the same value", other.name, column.name), "every value once");
         }
         columns.push_back(std::move(column));
     }
@@ -105,8 +113,8 @@ std::vector<sweep_column> choose_columns(const std::optional<std::string> &items
 {
     column_list list;
     if (!items) {
-        list.add("bytes_used");
-        list.add("checksum");
+        for (const whole_column &whole : whole_columns)
+            list.add(whole.name);
         for (const block_layout &block : record_blocks())
             list.add_small(block);
         return std::move(list.columns);
@@ -119,6 +127,14 @@ std::vector<sweep_column> choose_columns(const std::optional<std::string> &items
     return std::move(list.columns);
 }
 
+std::string whole_column_names()
+{
+    std::string names;
+    for (const whole_column &whole : whole_columns)
+        names += fmt::format("{}{}", names.empty() ? "" : ", ", whole.name);
+    return names;
+}
+
 std::optional<int64_t> column_value(const sweep_column &column, const record_snapshot &snapshot)
 {
     if (column.block == nullptr)
@@ -129,4 +145,4 @@ std::optional<int64_t> column_value(const sweep_column &column, const record_sna
     return integer_at(*column.described, &snapshot.record, column.index);
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "record_layout.h"
+#include "desk/record/layout.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 struct sweep_column {
     std::string name;
@@ -18,11 +18,14 @@ struct sweep_column {
     uint32_t (*whole)(const record_snapshot &snapshot);
 };
 
-// items: BLOCK.FIELD, BLOCK.FIELD[INDEX], BLOCK.*, bytes_used and checksum, with commas between; none: the last two and
-// every field of at most 16 values. Throws usage_error.
+// "bytes_used, checksum": the numbers about the whole record.
+std::string whole_column_names();
+
+// items: BLOCK.FIELD, BLOCK.FIELD[INDEX], BLOCK.* and numbers about the whole record, with commas between; none: all of
+// those numbers and every field of at most 16 values. Fails at others.
 std::vector<sweep_column> choose_columns(const std::optional<std::string> &items);
 
 // Nothing where the frame's record does not have the value.
 std::optional<int64_t> column_value(const sweep_column &column, const record_snapshot &snapshot);
 
-} // namespace qz::tool
+} // namespace qz::desk

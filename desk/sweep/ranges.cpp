@@ -1,8 +1,7 @@
-#include "sweep_ranges.h"
+#include "desk/sweep/ranges.h"
 
 #include <algorithm>
 #include <cfloat>
-#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -10,10 +9,11 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "error.h"
-#include "frame_fields.h"
+#include "desk/base/error.h"
+#include "desk/base/numbers.h"
+#include "desk/scene/frame_fields.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -38,21 +38,19 @@ value_range values_of(element type)
 struct range_option {
     std::string_view text;
 
-    [[noreturn]] void fail(std::string_view found, std::string_view expected) const
+    [[noreturn]] void fail(std::string found, std::string expected) const
     {
-        throw usage_error(fmt::format("--over {}: found {}, expected {}", text, found, expected));
+        desk::fail({std::nullopt, fmt::format("over {}", text), std::move(found), std::move(expected)});
     }
 
-    double number(std::string_view digits, const value_range &allowed, std::string_view expected) const
+    double number(std::string_view digits, const value_range &allowed, std::string expected) const
     {
-        double number = 0;
-        const char *end = digits.data() + digits.size();
-        const auto [stop, error] = std::from_chars(digits.data(), end, number);
-        const bool good = error == std::errc() && stop == end && number >= allowed.low && number <= allowed.high &&
-                          (!allowed.whole || number == std::floor(number));
+        const std::optional<double> number = number_of(digits);
+        const bool good = number && *number >= allowed.low && *number <= allowed.high &&
+                          (!allowed.whole || *number == std::floor(*number));
         if (!good)
-            fail(fmt::format("\"{}\"", digits), expected);
-        return number;
+            fail(fmt::format("\"{}\"", digits), std::move(expected));
+        return *number;
     }
 
     double value(std::string_view digits, const value_range &allowed) const
@@ -219,4 +217,4 @@ void sweep_ranges::apply(uint64_t row) const
     }
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

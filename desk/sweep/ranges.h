@@ -6,10 +6,10 @@
 #include <string_view>
 #include <vector>
 
-#include "fields.h"
-#include "scene.h"
+#include "desk/base/fields.h"
+#include "desk/scene/scene.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 struct sweep_range {
     std::string name;
@@ -27,7 +27,7 @@ struct sweep_range {
 class sweep_ranges {
   public:
     // options: "NAME=FIRST..LAST:STEP" or "NAME=VALUE,VALUE". The inputs are set in place and must stay where they are.
-    // Throws usage_error.
+    // Fails at others.
     sweep_ranges(const std::vector<std::string> &options, frame_inputs &inputs);
 
     uint64_t rows() const { return rows_; }
@@ -41,4 +41,4 @@ class sweep_ranges {
     uint64_t rows_ = 1;
 };
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -1,12 +1,12 @@
-#include "tuning_container.h"
+#include "desk/tuning/container.h"
 
 #include <algorithm>
 
 #include <fmt/format.h>
 
-#include "error.h"
+#include "desk/base/error.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -101,7 +101,7 @@ class container_reader {
     void check_slot(const tuning_record &record)
     {
         if (record.place->kind == nullptr) {
-            if (record.place->family == 320 && record.place->offset != 4 && record.place->offset != 17)
+            if (record.place->refused())
                 problem(
                     true, record.offset,
                     fmt::format("found id offset {} of the 320 family, expected 1 to 18 or 20", record.place->offset));
@@ -113,8 +113,7 @@ class container_reader {
     void check_rows(const tuning_record &record)
     {
         const record_kind &kind = *record.place->kind;
-        const uint32_t start = rows_offset(kind.shape);
-        if (start == 0)
+        if (!kind.has_rows())
             return;
         const std::optional<int64_t> stated = stated_rows(record);
         if (!stated) {
@@ -122,11 +121,11 @@ class container_reader {
                     fmt::format("found size {}, too short for a row count: no rows", record.size()));
             return;
         }
-        const auto held = static_cast<int64_t>((record.size() - start) / row_size(kind.row));
+        const auto held = static_cast<int64_t>((record.size() - kind.start) / kind.size);
         if (*stated > held)
             problem(false, record.offset,
                     fmt::format("found {} rows, its bytes hold {}: the library uses {}", *stated, held, held));
-        else if (kind.shape == record_shape::fringe)
+        else if (kind.layout == ISP_LAYOUT_ROWS_AND_MORE)
             check_fringe(record, static_cast<size_t>(*stated));
     }
 
@@ -155,13 +154,12 @@ bool tuning_container::has_errors() const
 tuning_container read_container(const std::string &file, byte_view bytes)
 {
     if (bytes.size() < container_header_size)
-        throw file_error(file, "", fmt::format("{} bytes", bytes.size()),
-                         fmt::format("a container of at least {} bytes", container_header_size));
+        fail({file, "", fmt::format("{} bytes", bytes.size()),
+              fmt::format("a container of at least {} bytes", container_header_size)});
     if (read_le<uint32_t>(bytes, 0) != container_tag)
-        throw file_error(file, "offset 0", fmt::format("the bytes {}", hex_text(bytes.first(4))),
-                         "the tag \"VUXB\" (56555842)");
+        fail({file, "offset 0", fmt::format("the bytes {}", hex_text(bytes.first(4))), "the tag \"VUXB\" (56555842)"});
     if (bytes.size() > UINT32_MAX)
-        throw file_error(file, "", fmt::format("{} bytes", bytes.size()), "at most 4294967295");
+        fail({file, "", fmt::format("{} bytes", bytes.size()), "at most 4294967295"});
 
     container_reader reader(bytes);
     tuning_container container;
@@ -185,12 +183,12 @@ std::optional<int64_t> stated_rows(const tuning_record &record)
         return read_le<uint32_t>(record.body, 4);
     if (!record.place || record.place->kind == nullptr)
         return std::nullopt;
-    const uint32_t start = rows_offset(record.place->kind->shape);
-    if (start == 0 || record.size() < start)
+    const record_kind &kind = *record.place->kind;
+    if (!kind.has_rows() || record.size() < kind.start)
         return std::nullopt;
-    if (record.place->kind->shape == record_shape::rows32)
-        return static_cast<int32_t>(read_le<uint32_t>(record.body, start - record_header_size - 4));
-    return read_le<uint16_t>(record.body, start - record_header_size - 2);
+    if (kind.has_long_rows())
+        return static_cast<int32_t>(read_le<uint32_t>(record.body, ISP_LONG_ROW_COUNT_AT - record_header_size));
+    return read_le<uint16_t>(record.body, ISP_SHORT_ROW_COUNT_AT - record_header_size);
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "files.h"
-#include "tuning_layout.h"
+#include "desk/base/bytes.h"
+#include "desk/tuning/layout.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 // Set containers nested deeper than this are kept as bytes.
 constexpr unsigned max_nesting = 64;
@@ -54,7 +54,7 @@ struct tuning_container {
     bool has_errors() const;
 };
 
-// Throws file_error for bytes that are no container at all. The views point into the bytes.
+// Fails for bytes that are no container at all. The views point into the bytes.
 tuning_container read_container(const std::string &file, byte_view bytes);
 
 // "offset 72, id 339: found ..., expected ..."
@@ -63,13 +63,4 @@ std::string problem_text(const tuning_problem &problem);
 // The number of rows or rules that a record states; nothing for records without rows or too short to state a number.
 std::optional<int64_t> stated_rows(const tuning_record &record);
 
-template <typename T>
-T read_le(byte_view bytes, size_t offset)
-{
-    T value = 0;
-    for (size_t i = sizeof(T); i-- > 0;)
-        value = static_cast<T>((static_cast<uint64_t>(value) << 8) | bytes[offset + i]);
-    return value;
-}
-
-} // namespace qz::tool
+} // namespace qz::desk

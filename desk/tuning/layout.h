@@ -6,45 +6,38 @@
 #include <span>
 #include <string_view>
 
-#include "fields.h"
+#include "desk/base/fields.h"
+#include "qz_isp/tuning_layout.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
-constexpr uint32_t record_header_size = 8;
+constexpr uint32_t record_header_size = ISP_RECORD_HEADER_SIZE;
 constexpr uint32_t container_header_size = 24;
 // "VUXB" as the first four bytes of a container read as a number.
 constexpr uint32_t container_tag = 0x42585556;
-constexpr uint16_t rules_id = 709;
-constexpr uint16_t first_set_container_id = 64513; // set index 1
-constexpr uint16_t set_container_base = 64512;
-constexpr uint32_t rules_start = 16;
-constexpr uint32_t rule_size = 16;
-
-// Elements of one type that follow one another in a row.
-struct element_run {
-    element type;
-    uint16_t count;
-};
-
-// How the bytes behind the record header are laid out.
-enum class record_shape : uint8_t {
-    raw,    // not known to the library
-    fields, // fixed fields from byte 8
-    rows16, // u16 row count at byte 8, rows from byte 10
-    fringe, // as rows16, followed by what the version adds
-    macc,   // as rows16, with entries instead of gain rows
-    rows32, // i32 row count at byte 16, rows from byte 20
-};
+constexpr uint16_t rules_id = ISP_RULES_ID;
+constexpr uint16_t set_container_base = ISP_SET_CONTAINER_BASE;
+constexpr uint16_t first_set_container_id = set_container_base + 1; // set index 1
+constexpr uint32_t rules_start = ISP_RULES_START;
+constexpr uint32_t rule_size = sizeof(isp_selection_rule);
 
 struct record_kind {
     std::string_view name;
-    int16_t offset_320;  // id offset in the 320 family, -1: none
-    int16_t offset_long; // id offset in the 768 and 1536 families, -1: none
-    bool only_768;       // the 1536 family does not have it
-    record_shape shape;
-    std::span<const element_run> row; // a row of the table
-    std::span<const field> fields;    // record_shape::fields, offsets from byte 8
+    std::string_view slot; // that it fills: chroma noise reduction has two kinds for one slot
+    uint8_t in_320;        // id offset in each family, 0: none
+    uint8_t in_768;
+    uint8_t in_1536;
+    isp_record_layout layout;
+    uint32_t start;                // byte of the first row, or of the values
+    uint32_t size;                 // bytes of a row, or of the values
+    std::span<const field> fields; // of a row, or of the values
+
+    bool has_rows() const { return layout != ISP_LAYOUT_HELD && layout != ISP_LAYOUT_VALUES; }
+    bool has_long_rows() const { return layout == ISP_LAYOUT_LONG_ROWS; }
 };
+
+// A row of a fringe control record's second table.
+std::span<const field> fringe_extra_row();
 
 // What an id means. Kind is null for ids of a family that no slot takes.
 struct record_place {
@@ -52,6 +45,8 @@ struct record_place {
     uint8_t set;     // 0 to 2
     uint8_t offset;  // id offset
     const record_kind *kind;
+
+    bool refused() const; // makes its container invalid
 };
 
 std::span<const record_kind> record_kinds();
@@ -60,12 +55,4 @@ std::span<const record_kind> record_kinds();
 std::optional<record_place> find_place(uint16_t id);
 std::optional<uint16_t> id_of(const record_kind &kind, uint16_t family, uint8_t set);
 
-// The slot that a kind fills: chroma noise reduction has two kinds for one slot.
-std::string_view slot_name(const record_kind &kind);
-
-uint32_t row_size(std::span<const element_run> row);
-
-// Where the rows start and how many the record states; both 0 for shapes without rows.
-uint32_t rows_offset(record_shape shape);
-
-} // namespace qz::tool
+} // namespace qz::desk

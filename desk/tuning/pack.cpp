@@ -1,3 +1,5 @@
+#include "desk/tuning/pack.h"
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -5,11 +7,12 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "error.h"
-#include "json_fields.h"
-#include "tuning_source.h"
+#include "desk/base/error.h"
+#include "desk/base/json_fields.h"
+#include "desk/tuning/container.h"
+#include "desk/tuning/source_names.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -39,30 +42,30 @@ void append_element(byte_buffer &bytes, element type, const json_node &node)
         bytes.push_back(static_cast<uint8_t>(value >> (8 * i)));
 }
 
-void append_row(byte_buffer &bytes, std::span<const element_run> row, std::span<const json_node> values)
+void append_row(byte_buffer &bytes, std::span<const field> row, std::span<const json_node> values)
 {
-    for (const element_run &part : row) {
+    for (const field &part : row) {
         for (const json_node &value : values.first(part.count))
             append_element(bytes, part.type, value);
         values = values.subspan(part.count);
     }
 }
 
-size_t row_length(std::span<const element_run> row)
+size_t row_length(std::span<const field> row)
 {
     size_t length = 0;
-    for (const element_run &part : row)
+    for (const field &part : row)
         length += part.count;
     return length;
 }
 
-void append_rows(byte_buffer &bytes, std::span<const element_run> row, const std::vector<json_node> &rows)
+void append_rows(byte_buffer &bytes, std::span<const field> row, const std::vector<json_node> &rows)
 {
     for (const json_node &each : rows)
         append_row(bytes, row, each.items(row_length(row)));
 }
 
-void append_macc(byte_buffer &bytes, std::span<const element_run> row, const std::vector<json_node> &entries)
+void append_macc(byte_buffer &bytes, std::span<const field> row, const std::vector<json_node> &entries)
 {
     for (const json_node &entry : entries) {
         entry.expect_names({"type", "key", "matrices"});
@@ -92,13 +95,13 @@ void append_fringe_tail(byte_buffer &bytes, const json_node &node, int64_t versi
     if (version > 100)
         append_element(bytes, element::u16, node.at("count2"));
     if (version > 101)
-        append_rows(bytes, fringe_extra_row, node.at("extra").items(rows));
+        append_rows(bytes, fringe_extra_row(), node.at("extra").items(rows));
 }
 
 byte_buffer pack_table(const json_node &node, const record_kind &kind, int64_t version)
 {
-    const bool wide = kind.shape == record_shape::rows32;
-    const bool is_macc = kind.shape == record_shape::macc;
+    const bool wide = kind.has_long_rows();
+    const bool is_macc = kind.layout == ISP_LAYOUT_ENTRIES;
     const std::vector<json_node> rows =
         counted_rows(node.at(is_macc ? "entries" : "rows"), wide ? INT32_MAX : UINT16_MAX);
     byte_buffer bytes;
@@ -110,18 +113,17 @@ byte_buffer pack_table(const json_node &node, const record_kind &kind, int64_t v
         append_le(bytes, static_cast<uint16_t>(rows.size()));
     }
     if (is_macc)
-        append_macc(bytes, kind.row, rows);
+        append_macc(bytes, kind.fields, rows);
     else
-        append_rows(bytes, kind.row, rows);
-    if (kind.shape == record_shape::fringe)
+        append_rows(bytes, kind.fields, rows);
+    if (kind.layout == ISP_LAYOUT_ROWS_AND_MORE)
         append_fringe_tail(bytes, node, version, rows.size());
     return bytes;
 }
 
 byte_buffer pack_fields(const json_node &node, const record_kind &kind)
 {
-    const field &last = kind.fields.back();
-    byte_buffer bytes(last.offset + last.count * element_size(last.type));
+    byte_buffer bytes(kind.size);
     for (const field &described : kind.fields)
         static_cast<void>(node.at(described.name));
     read_fields(node, kind.fields, bytes.data());
@@ -189,12 +191,12 @@ std::vector<std::string_view> content_names(const record_kind *kind)
 {
     if (kind == nullptr)
         return {};
-    switch (kind->shape) {
-    case record_shape::fields: return field_names(kind->fields);
-    case record_shape::macc: return {"entries"};
-    case record_shape::fringe: return {"rows", "count2", "extra"};
-    case record_shape::rows16: return {"rows"};
-    case record_shape::rows32: return {"reserved", "rows"};
+    switch (kind->layout) {
+    case ISP_LAYOUT_VALUES: return field_names(kind->fields);
+    case ISP_LAYOUT_ENTRIES: return {"entries"};
+    case ISP_LAYOUT_ROWS_AND_MORE: return {"rows", "count2", "extra"};
+    case ISP_LAYOUT_ROWS: return {"rows"};
+    case ISP_LAYOUT_LONG_ROWS: return {"reserved", "rows"};
     default: return {};
     }
 }
@@ -219,9 +221,9 @@ byte_buffer pack_body(const json_node &node, uint16_t id, int64_t version)
     node.expect_names(names);
     if (id == rules_id)
         return pack_rules(node);
-    if (kind != nullptr && kind->shape == record_shape::fields)
+    if (kind != nullptr && kind->layout == ISP_LAYOUT_VALUES)
         return pack_fields(node, *kind);
-    if (kind != nullptr && kind->shape != record_shape::raw)
+    if (kind != nullptr && kind->has_rows())
         return pack_table(node, *kind, version);
     return node.at("bytes").hex();
 }
@@ -295,21 +297,8 @@ byte_buffer pack_container(const std::string &file, std::string_view text)
     append(bytes, header ? header->hex(container_header_size - 4) : byte_buffer(container_header_size - 4));
     append(bytes, pack_list(root, 0));
     if (bytes.size() > UINT32_MAX)
-        throw file_error(file, "", fmt::format("a container of {} bytes", bytes.size()), "at most 4294967295");
+        fail({file, "", fmt::format("a container of {} bytes", bytes.size()), "at most 4294967295"});
     return bytes;
 }
 
-bool is_container(byte_view bytes)
-{
-    const auto first = std::ranges::find_if_not(bytes, [](uint8_t byte) { return byte <= ' '; });
-    return first == bytes.end() || *first != '{';
-}
-
-byte_buffer container_bytes(const std::string &file, byte_buffer bytes)
-{
-    if (is_container(bytes))
-        return bytes;
-    return pack_container(file, {reinterpret_cast<const char *>(bytes.data()), bytes.size()});
-}
-
-} // namespace qz::tool
+} // namespace qz::desk

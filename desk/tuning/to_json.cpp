@@ -1,12 +1,15 @@
+#include "desk/tuning/to_json.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <nlohmann/json.hpp>
 
-#include "json_fields.h"
-#include "tuning_source.h"
+#include "desk/base/json_fields.h"
+#include "desk/base/json_text.h"
+#include "desk/tuning/source_names.h"
 
-namespace qz::tool {
+namespace qz::desk {
 
 namespace {
 
@@ -15,27 +18,20 @@ bool all_zero(byte_view bytes)
     return std::ranges::all_of(bytes, [](uint8_t byte) { return byte == 0; });
 }
 
-field run_field(const element_run &part)
-{
-    return {"", part.type, part.count, 1, 0, true};
-}
-
-json row_json(byte_view bytes, size_t offset, std::span<const element_run> row)
+json row_json(byte_view bytes, std::span<const field> row)
 {
     json values = json::array();
-    for (const element_run &part : row) {
+    for (const field &part : row)
         for (size_t i = 0; i < part.count; ++i)
-            values.push_back(integer_at(run_field(part), bytes.data() + offset, i));
-        offset += part.count * element_size(part.type);
-    }
+            values.push_back(integer_at(part, bytes.data(), i));
     return values;
 }
 
-json rows_json(byte_view bytes, size_t offset, size_t rows, std::span<const element_run> row)
+json rows_json(byte_view bytes, size_t offset, size_t rows, size_t size, std::span<const field> row)
 {
     json list = json::array();
     for (size_t i = 0; i < rows; ++i)
-        list.push_back(row_json(bytes, offset + i * row_size(row), row));
+        list.push_back(row_json(bytes.subspan(offset + i * size, size), row));
     return list;
 }
 
@@ -61,37 +57,37 @@ bool add_fringe_tail(json &result, const tuning_record &record, size_t rows)
     if (record.version > 100)
         result["count2"] = read_le<uint16_t>(record.body, count2);
     if (record.version > 101)
-        result["extra"] = rows_json(record.body, count2 + 2, rows, fringe_extra_row);
+        result["extra"] =
+            rows_json(record.body, count2 + 2, rows, sizeof(isp_fringe_control_extra_row), fringe_extra_row());
     return true;
 }
 
 bool add_table(json &result, const tuning_record &record, const record_kind &kind)
 {
     const std::optional<int64_t> stated = stated_rows(record);
-    const size_t start = rows_offset(kind.shape) - record_header_size;
-    const size_t size = row_size(kind.row);
+    const size_t start = kind.start - record_header_size;
+    const size_t size = kind.size;
     if (!stated || *stated < 0 || static_cast<uint64_t>(*stated) > (record.body.size() - start) / size)
         return false;
     const auto rows = static_cast<size_t>(*stated);
 
-    if (kind.shape == record_shape::rows32 && !all_zero(record.body.first(8)))
+    if (kind.has_long_rows() && !all_zero(record.body.first(8)))
         result["reserved"] = hex_text(record.body.first(8));
-    json list = rows_json(record.body, start, rows, kind.row);
-    if (kind.shape == record_shape::macc) {
+    json list = rows_json(record.body, start, rows, size, kind.fields);
+    if (kind.layout == ISP_LAYOUT_ENTRIES) {
         std::ranges::transform(list, list.begin(), macc_json);
         result["entries"] = std::move(list);
     } else {
         result["rows"] = std::move(list);
     }
-    if (kind.shape == record_shape::fringe)
+    if (kind.layout == ISP_LAYOUT_ROWS_AND_MORE)
         return add_fringe_tail(result, record, rows);
     return record.body.size() == start + rows * size;
 }
 
 bool add_fields(json &result, const tuning_record &record, const record_kind &kind)
 {
-    const field &last = kind.fields.back();
-    if (record.body.size() != last.offset + last.count * element_size(last.type))
+    if (record.body.size() != kind.size)
         return false;
     write_fields(result, kind.fields, record.body.data());
     return true;
@@ -137,9 +133,9 @@ bool add_contents(json &result, const tuning_record &record)
     if (!record.place || record.place->kind == nullptr)
         return false;
     const record_kind &kind = *record.place->kind;
-    if (kind.shape == record_shape::fields)
+    if (kind.layout == ISP_LAYOUT_VALUES)
         return add_fields(result, record, kind);
-    return kind.shape != record_shape::raw && add_table(result, record, kind);
+    return kind.has_rows() && add_table(result, record, kind);
 }
 
 json list_json(const record_list &list);
@@ -215,4 +211,4 @@ std::string container_source(const tuning_container &container)
     return json_text(container_json(container));
 }
 
-} // namespace qz::tool
+} // namespace qz::desk

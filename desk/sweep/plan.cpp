@@ -1,0 +1,34 @@
+#include "desk/sweep/plan.h"
+
+#include <fmt/format.h>
+
+#include "desk/base/error.h"
+#include "desk/scene/frame_choice.h"
+
+namespace qz::desk {
+
+namespace {
+
+frame_inputs &chosen_frame(scene &scene, const std::optional<std::string> &choice)
+{
+    const auto [first, last] = choose_frames(scene, choice);
+    if (last - first != 1)
+        fail({std::nullopt, "frame", fmt::format("{} frames", last - first), "one for a sweep"});
+    return scene.frames[first];
+}
+
+} // namespace
+
+sweep_plan::sweep_plan(const sweep_choice &choice, scene &scene)
+    : inputs_(chosen_frame(scene, choice.frame)), ranges_(choice.over, inputs_),
+      columns_(choose_columns(choice.fields)), rows_(shard_rows(choice.shard, ranges_.rows()))
+{}
+
+record_snapshot sweep_plan::compute(uint64_t row, isp_session &session) const
+{
+    ranges_.apply(row);
+    session.forget_frames();
+    return session.run(inputs_);
+}
+
+} // namespace qz::desk
