@@ -1,20 +1,20 @@
 // Bundles the page of `qz-isp report` into a C++ source file.
 //
-//   node build.mjs [--required] DIRECTORY
+//   node build.mjs [--install] DIRECTORY
 //
-// Writes report_page.cpp and licences.txt into the directory, and installs the packages that it takes there, unless all
-// of that is done. Where that fails, as it does without a network, the source file holds no page, so that the rest
-// builds; --required makes it an error.
+// Writes report_page.cpp and licences.txt into the directory, unless they are made. The packages that it takes are kept
+// there too: with --install they come from the npm registry, and a failure is an error; without, only from npm's cache,
+// and where they are missing the source file holds no page, so that the rest builds.
 import { execFileSync } from 'node:child_process';
 import { createHash } from 'node:crypto';
-import { copyFileSync, existsSync, mkdirSync, readFileSync, readdirSync, renameSync, writeFileSync } from 'node:fs';
+import { copyFileSync, existsSync, mkdirSync, readFileSync, readdirSync, renameSync, rmSync, writeFileSync } from 'node:fs';
 import { createRequire } from 'node:module';
 import { dirname, join, resolve } from 'node:path';
 import { fileURLToPath } from 'node:url';
 
 const sources = dirname(fileURLToPath(import.meta.url));
-const required = process.argv[2] === '--required';
-const directory = resolve(process.argv[required ? 3 : 2]);
+const install = process.argv[2] === '--install';
+const directory = resolve(process.argv[install ? 3 : 2]);
 const packages = join(directory, 'node_modules');
 const output = join(directory, 'report_page.cpp');
 
@@ -41,8 +41,12 @@ function install_packages() {
         '--loglevel=error',
         '--fetch-retries=1',
         '--fetch-timeout=60000',
+        install ? '--prefer-offline' : '--offline',
     ];
-    execFileSync('npm', ['ci', ...options], { cwd: directory, stdio: ['ignore', 'ignore', 'inherit'] });
+    execFileSync('npm', ['ci', ...options], {
+        cwd: directory,
+        stdio: ['ignore', 'ignore', install ? 'inherit' : 'ignore'],
+    });
     writeFileSync(join(directory, 'packages.key'), key);
 }
 
@@ -92,7 +96,7 @@ function write_source(text) {
     const parts = text.split('<!-- data -->');
     if (parts.length !== 2 || text.includes(')qz"')) throw new Error('the page cannot be cut or quoted');
     const [before, after] = parts.map((part) => `R"qz(${part})qz"`);
-    const source = `#include "report_page.h"\n\nconst qz::tool::report_page qz::tool::built_in_page = {${before}, ${after}};\n`;
+    const source = `#include "tools/base/report_page.h"\n\nconst qz::tool::report_page qz::tool::built_in_page = {${before}, ${after}};\n`;
     writeFileSync(output + '.new', source);
     renameSync(output + '.new', output);
 }
@@ -101,13 +105,14 @@ const files = readdirSync(sources, { withFileTypes: true }).filter((entry) => en
 const key = hash_of(files.map(({ name }) => name).sort());
 if (existsSync(output) && is_made('page.key', key)) process.exit(0);
 mkdirSync(directory, { recursive: true });
+rmSync(join(directory, 'page.key'), { force: true });
 try {
     install_packages();
     write_source(page());
     writeFileSync(join(directory, 'page.key'), key);
 } catch (error) {
     console.error(`The page of qz-isp report could not be bundled: ${error.message}`);
-    if (required) process.exit(1);
-    console.error('Everything else builds. Later: make report-bundle');
-    copyFileSync(join(sources, '../report_no_page.cpp'), output);
+    if (install) process.exit(1);
+    console.error('Everything else builds. make report-bundle installs the npm packages that the page takes.');
+    copyFileSync(join(sources, '../tools/base/report_no_page.cpp'), output);
 }

@@ -8,7 +8,6 @@ import { sectors_figure } from './sectors.js';
 import { shading_section } from './shading.js';
 import { tuning_section } from './tuning.js';
 
-const record_size = 35288;
 const data = JSON.parse(document.getElementById('data').textContent);
 
 const sections = [
@@ -30,7 +29,7 @@ function facts(frame) {
         ['scene', data.scene],
         ['frame', `${frame.index}${size ? `, ${size.join(' \u00d7 ')}` : ''}`],
         ['gain', `${gain_text(frame.origin.gain)} (${frame.origin.gain})`],
-        ['bytes in use', `${frame.bytes_used} of ${record_size}`],
+        ['bytes in use', `${frame.bytes_used} of ${data.record_size}`],
     ];
 }
 

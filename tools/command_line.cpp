@@ -1,11 +1,19 @@
-#include "command_line.h"
+#include "tools/command_line.h"
 
 #include <CLI/CLI.hpp>
 #include <functional>
 
 #include <fmt/format.h>
 
-#include "commands.h"
+#include "tools/base/exit_codes.h"
+#include "tools/commands/diff_command.h"
+#include "tools/commands/makernote_show_command.h"
+#include "tools/commands/record_show_command.h"
+#include "tools/commands/report_command.h"
+#include "tools/commands/run_command.h"
+#include "tools/commands/sweep_command.h"
+#include "tools/commands/tuning_pack_command.h"
+#include "tools/commands/tuning_show_command.h"
 
 namespace qz::tool {
 
@@ -84,22 +92,22 @@ void add_sweep(CLI::App &app, chosen_command &chosen)
     const auto options = std::make_shared<sweep_options>();
     CLI::App *command = app.add_subcommand("sweep", "Compute a frame over ranges of its inputs, one row a frame");
     command
-        ->add_option("--over", options->over,
+        ->add_option("--over", options->choice.over,
                      "NAME=FIRST..LAST:STEP or NAME=VALUE,VALUE; the last one given runs fastest")
         ->type_name("RANGE")
         ->required()
         ->allow_extra_args(false);
     command
-        ->add_option("--fields", options->fields,
-                     "Values to print: BLOCK.FIELD, BLOCK.FIELD[INDEX], BLOCK.*, bytes_used, checksum")
+        ->add_option("--fields", options->choice.fields,
+                     "Values to print: BLOCK.FIELD, BLOCK.FIELD[INDEX], BLOCK.*, " + desk::whole_column_names())
         ->type_name("FIELD,...");
     add_inputs(*command, options->inputs);
-    add_frame(*command, options->frame, "Frame to start from, by number or name; else the last");
+    add_frame(*command, options->choice.frame, "Frame to start from, by number or name; else the last");
     command->add_option("--format", options->format, "csv, or jsonl for JSON lines")
         ->type_name("FORMAT")
         ->check(CLI::IsMember({"csv", "jsonl"}));
     command->add_flag("--no-header", options->no_header, "Leave out the line of names");
-    command->add_option("--shard", options->shard, "Compute the rows of part I of N only")->type_name("I/N");
+    command->add_option("--shard", options->choice.shard, "Compute the rows of part I of N only")->type_name("I/N");
     command->add_option("--output", options->output, "Write here instead of standard output")->type_name("FILE");
     command->footer(
         "FILE may be - for standard input or output.\n\n"
@@ -110,7 +118,7 @@ void add_sweep(CLI::App &app, chosen_command &chosen)
 
 void add_tuning_pack(CLI::App &group, chosen_command &chosen)
 {
-    const auto options = std::make_shared<pack_options>();
+    const auto options = std::make_shared<tuning_pack_options>();
     CLI::App *command = group.add_subcommand("pack", "Write a container from its JSON source");
     command->add_option("SOURCE", options->source, "JSON source, or -")->required();
     command->add_option("OUT", options->container, "Container to write, or -")->required();
@@ -120,7 +128,7 @@ void add_tuning_pack(CLI::App &group, chosen_command &chosen)
 
 void add_tuning_show(CLI::App &group, chosen_command &chosen)
 {
-    const auto options = std::make_shared<show_options>();
+    const auto options = std::make_shared<tuning_show_options>();
     CLI::App *command = group.add_subcommand("show", "List a container's records and what is wrong with them");
     command->add_option("FILE", options->file, "Container, or -")->required();
     command->add_flag("--json", options->as_json, "Print the JSON source that packs to the same bytes");
@@ -141,13 +149,14 @@ void add_tuning(CLI::App &app, chosen_command &chosen)
 }
 
 // A group with one command, "show", for dumps of one kind.
+template <typename Options>
 void add_dump(CLI::App &app, chosen_command &chosen, const std::string &name, const std::string &what,
-              int (*show)(const dump_options &), const std::string &example)
+              int (*show)(const Options &), const std::string &example)
 {
     CLI::App *group = app.add_subcommand(name, "Dumps of " + what);
     group->require_subcommand(1);
     group->footer(example);
-    const auto options = std::make_shared<dump_options>();
+    const auto options = std::make_shared<Options>();
     CLI::App *command = group->add_subcommand("show", "Print a dump of " + what);
     command->add_option("FILE", options->file, "The dump, or -")->required();
     CLI::Option *as_json = command->add_flag("--json", options->as_json, "Print everything as JSON");

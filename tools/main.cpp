@@ -5,9 +5,10 @@
 #include <exception>
 #include <string>
 
-#include "command_line.h"
-#include "commands.h"
-#include "error.h"
+#include "desk/base/error.h"
+#include "tools/base/exit_codes.h"
+#include "tools/base/files.h"
+#include "tools/command_line.h"
 
 namespace {
 
@@ -29,6 +30,10 @@ int main(int argc, char **argv)
         return qz::tool::run_command_line(argc, argv);
     } catch (const qz::tool::closed_pipe &) {
         code = qz::tool::exit_closed_pipe;
+    } catch (const qz::desk::error &error) {
+        // A choice is an option of the command line.
+        print_error((error.file ? "" : "--") + error_text(error));
+        code = error.file ? qz::tool::exit_failure : qz::tool::exit_usage;
     } catch (const qz::tool::usage_error &error) {
         print_error(error.what());
         code = qz::tool::exit_usage;

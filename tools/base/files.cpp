@@ -1,15 +1,16 @@
-#include "files.h"
+#include "tools/base/files.h"
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
-#include "error.h"
+#include "desk/base/error.h"
 
 namespace qz::tool {
+
+using namespace desk;
 
 void file_closer::operator()(FILE *file) const
 {
@@ -26,7 +27,7 @@ byte_buffer read_file(const std::string &file)
 {
     const file_handle handle(file == "-" ? stdin : std::fopen(file.c_str(), "rb"));
     if (!handle)
-        throw file_error(file, std::string("cannot be opened: ") + std::strerror(errno));
+        desk::fail({file, "", fmt::format("cannot be opened: {}", std::strerror(errno)), ""});
 
     byte_buffer bytes;
     constexpr size_t chunk = 65536;
@@ -38,7 +39,7 @@ byte_buffer read_file(const std::string &file)
         bytes.resize(size + count);
     }
     if (std::ferror(handle.get()) != 0)
-        throw file_error(input_name(file), std::string("cannot be read: ") + std::strerror(errno));
+        desk::fail({input_name(file), "", fmt::format("cannot be read: {}", std::strerror(errno)), ""});
     return bytes;
 }
 
@@ -66,7 +67,7 @@ void output_file::fail(const char *what) const
     const int number = errno;
     if (number == EPIPE)
         throw closed_pipe();
-    throw file_error(name_, fmt::format("{}: {}", what, std::strerror(number)));
+    desk::fail({name_, "", fmt::format("{}: {}", what, std::strerror(number)), ""});
 }
 
 void write_file(const std::string &file, byte_view bytes)
@@ -79,11 +80,6 @@ void write_file(const std::string &file, byte_view bytes)
 void write_text(const std::string &file, std::string_view text)
 {
     write_file(file, {reinterpret_cast<const uint8_t *>(text.data()), text.size()});
-}
-
-std::string hex_text(byte_view bytes)
-{
-    return fmt::format("{:02x}", fmt::join(bytes, ""));
 }
 
 } // namespace qz::tool

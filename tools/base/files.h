@@ -4,15 +4,15 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include "desk/base/bytes.h"
 
 namespace qz::tool {
 
-using byte_view = std::span<const uint8_t>;
-using byte_buffer = std::vector<uint8_t>;
+// The reader of a pipe has seen enough: ends the command without a message.
+struct closed_pipe {};
 
 struct file_closer {
     void operator()(FILE *file) const; // leaves standard input and output open
@@ -22,13 +22,13 @@ using file_handle = std::unique_ptr<FILE, file_closer>;
 // What error messages call the file.
 std::string input_name(const std::string &file);
 
-byte_buffer read_file(const std::string &file);
+desk::byte_buffer read_file(const std::string &file);
 
 // A file written piece by piece.
 class output_file {
   public:
     explicit output_file(const std::string &file);
-    void write(byte_view bytes);
+    void write(desk::byte_view bytes);
     void write(std::string_view text) { write({reinterpret_cast<const uint8_t *>(text.data()), text.size()}); }
     void finish(); // everything has been written when it returns
 
@@ -40,10 +40,7 @@ class output_file {
 };
 
 // The whole of a file at once.
-void write_file(const std::string &file, byte_view bytes);
+void write_file(const std::string &file, desk::byte_view bytes);
 void write_text(const std::string &file, std::string_view text);
-
-// Two digits a byte.
-std::string hex_text(byte_view bytes);
 
 } // namespace qz::tool

@@ -1,14 +1,14 @@
-#include "inputs.h"
+#include "tools/base/inputs.h"
 
-#include <charconv>
-
-#include <fmt/format.h>
-
-#include "error.h"
-#include "sample.h"
-#include "tuning_source.h"
+#include "desk/tuning/load.h"
+#include "desk/tuning/pack.h"
+#include "tools/base/exit_codes.h"
+#include "tools/base/files.h"
+#include "tools/sample/sample.h"
 
 namespace qz::tool {
+
+using namespace desk;
 
 namespace {
 
@@ -27,20 +27,14 @@ scene load_scene(const input_files &files)
     if (!files.scene)
         return read_scene(sample_name, sample_scene);
     const byte_buffer bytes = read_file(*files.scene);
-    return read_scene(input_name(*files.scene), {reinterpret_cast<const char *>(bytes.data()), bytes.size()});
+    return read_scene(input_name(*files.scene), text_of(bytes));
 }
 
 byte_buffer load_container(const input_files &files)
 {
     if (!files.tuning)
         return pack_container(sample_name, sample_tuning);
-    const std::string name = input_name(*files.tuning);
-    byte_buffer bytes = container_bytes(name, read_file(*files.tuning));
-    for (const tuning_problem &problem : read_container(name, bytes).problems) {
-        if (problem.error)
-            throw file_error(name, problem_text(problem));
-    }
-    return bytes;
+    return usable_container(input_name(*files.tuning), read_file(*files.tuning));
 }
 
 std::string tuning_name(const input_files &files)
@@ -51,25 +45,6 @@ std::string tuning_name(const input_files &files)
 std::string scene_name(const input_files &files)
 {
     return files.scene ? input_name(*files.scene) : sample_name;
-}
-
-std::pair<size_t, size_t> chosen_frames(const scene &inputs, const std::optional<std::string> &choice)
-{
-    const size_t count = inputs.frames.size();
-    if (!choice)
-        return {count - 1, count};
-    if (*choice == "all")
-        return {0, count};
-    for (size_t i = 0; i < count; ++i) {
-        if (!choice->empty() && inputs.frames[i].name == *choice)
-            return {i, i + 1};
-    }
-    size_t index = count;
-    const char *end = choice->data() + choice->size();
-    if (std::from_chars(choice->data(), end, index).ptr != end || index >= count)
-        throw usage_error(
-            fmt::format("--frame: found \"{}\", expected 0 to {}, a frame's name, or all", *choice, count - 1));
-    return {index, index + 1};
 }
 
 } // namespace qz::tool

@@ -1,4 +1,4 @@
-#include "progress.h"
+#include "tools/base/progress.h"
 
 #include <cstdio>
 #include <string>

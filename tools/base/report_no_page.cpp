@@ -1,3 +1,3 @@
-#include "report_page.h"
+#include "tools/base/report_page.h"
 
 const qz::tool::report_page qz::tool::built_in_page = {};

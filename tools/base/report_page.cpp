@@ -1,4 +1,4 @@
-#include "report_page.h"
+#include "tools/base/report_page.h"
 
 #include <nlohmann/json.hpp>
 #include <stdexcept>
@@ -8,10 +8,10 @@ namespace qz::tool {
 namespace {
 
 // JSON of ASCII characters that starts no HTML element, comment or end of one.
-std::string inline_json(const json &value)
+std::string inline_json(const desk::json &value)
 {
     std::string text;
-    for (const char character : value.dump(-1, ' ', true, json::error_handler_t::replace)) {
+    for (const char character : value.dump(-1, ' ', true, desk::json::error_handler_t::replace)) {
         if (character == '<')
             text += "\\u003c";
         else
@@ -22,7 +22,7 @@ std::string inline_json(const json &value)
 
 } // namespace
 
-std::string filled(const report_page &page, const json &data)
+std::string filled(const report_page &page, const desk::json &data)
 {
     if (page.before.empty())
         throw std::runtime_error("report: found a program that was built without the page, expected one with it: "

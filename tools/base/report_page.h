@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "json.h"
+#include "desk/base/json.h"
 
 namespace qz::tool {
 
@@ -16,6 +16,6 @@ struct report_page {
 extern const report_page built_in_page;
 
 // The whole page. Throws where there is none.
-std::string filled(const report_page &page, const json &data);
+std::string filled(const report_page &page, const desk::json &data);
 
 } // namespace qz::tool

@@ -1,13 +1,15 @@
-#include <nlohmann/json.hpp>
+#include "tools/commands/makernote_show_command.h"
 
 #include <fmt/format.h>
 
-#include "commands.h"
-#include "json.h"
-#include "makernote_file.h"
-#include "value_rows.h"
+#include "desk/makernote/to_json.h"
+#include "tools/base/exit_codes.h"
+#include "tools/base/files.h"
+#include "tools/text/lines.h"
 
 namespace qz::tool {
+
+using namespace desk;
 
 namespace {
 
@@ -18,37 +20,18 @@ std::string makernote_text(const saved_makernote &makernote, bool all)
         text += fmt::format("{:>5}  {}\n", record.name, makernote_record_name(record.name));
         const std::string label = fmt::format("{} x {}", makernote_format_name(record.format), record.count);
         if (record.is_text())
-            text += fmt::format("       {:<21} {:?}\n", label, record.text());
+            text += labelled_line(label, fmt::format("{:?}", record.text()));
         else
-            print_rows(text, label, record.values(), 16, all);
+            text += number_lines(label, record.values(), 16, all);
         if (!record.key.empty())
-            text += fmt::format("       {:<21} {:?}\n", "key", record.key);
+            text += labelled_line("key", fmt::format("{:?}", record.key));
     }
     return text;
 }
 
-std::string makernote_json(const saved_makernote &makernote)
-{
-    json records = json::array();
-    for (const makernote_record &record : makernote.records) {
-        json &made = records.emplace_back(json::object());
-        made = {{"name", record.name},
-                {"block", makernote_record_name(record.name)},
-                {"format", makernote_format_name(record.format)},
-                {"count", record.count}};
-        if (record.is_text())
-            made["text"] = record.text();
-        else
-            made["values"] = record.values();
-        if (!record.key.empty())
-            made["key"] = record.key;
-    }
-    return json_text({{"dropped", makernote.dropped}, {"records", std::move(records)}});
-}
-
 } // namespace
 
-int show_makernote(const dump_options &options)
+int show_makernote(const makernote_show_options &options)
 {
     const byte_buffer bytes = read_file(options.file);
     const saved_makernote makernote = read_makernote(input_name(options.file), bytes);

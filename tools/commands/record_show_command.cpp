@@ -1,15 +1,18 @@
-#include "commands.h"
-#include "record_dump.h"
-#include "record_print.h"
+#include "tools/commands/record_show_command.h"
+
+#include "desk/record/dump.h"
+#include "tools/base/exit_codes.h"
+#include "tools/base/files.h"
+#include "tools/text/record_text.h"
 
 namespace qz::tool {
 
-int show_record(const dump_options &options)
+int show_record(const record_show_options &options)
 {
-    std::vector<computed_frame> frames;
-    for (const record_snapshot &record : read_records(input_name(options.file), read_file(options.file)))
+    std::vector<desk::computed_frame> frames;
+    for (const desk::record_snapshot &record : desk::read_records(input_name(options.file), read_file(options.file)))
         frames.push_back({frames.size(), "", record, std::nullopt});
-    write_text("-", options.as_json ? frames_json(frames) : frames_text(frames, options.all));
+    write_text("-", options.as_json ? desk::frames_json(frames) : frames_text(frames, options.all));
     return exit_success;
 }
 

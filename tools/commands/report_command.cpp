@@ -1,18 +1,24 @@
+#include "tools/commands/report_command.h"
+
 #include <nlohmann/json.hpp>
 
-#include "commands.h"
-#include "report_data.h"
-#include "report_page.h"
+#include "desk/report/data.h"
+#include "tools/base/exit_codes.h"
+#include "tools/base/files.h"
+#include "tools/base/report_page.h"
 
 namespace qz::tool {
+
+using namespace desk;
 
 int report(const report_options &options)
 {
     expect_one_standard_input(options.inputs);
-    const scene inputs = load_scene(options.inputs);
+    const scene scene = load_scene(options.inputs);
+    const frame_choice chosen = choose_frames(scene, options.frame);
     const std::string tuning = tuning_name(options.inputs);
     json data = {{"tuning", tuning}, {"scene", scene_name(options.inputs)}};
-    data.update(report_data(inputs, load_container(options.inputs), tuning, chosen_frames(inputs, options.frame)));
+    data.update(report_data(scene, load_container(options.inputs), tuning, chosen));
     write_text(options.page, filled(built_in_page, data));
     return exit_success;
 }

@@ -1,9 +1,15 @@
-#include "commands.h"
-#include "makernote_file.h"
-#include "record_print.h"
-#include "session.h"
+#include "tools/commands/run_command.h"
+
+#include "desk/makernote/file.h"
+#include "desk/record/dump.h"
+#include "desk/run/session.h"
+#include "tools/base/exit_codes.h"
+#include "tools/base/files.h"
+#include "tools/text/record_text.h"
 
 namespace qz::tool {
+
+using namespace desk;
 
 namespace {
 
@@ -12,44 +18,28 @@ struct makernote_deleter {
 };
 using makernote_handle = std::unique_ptr<qz_mkn, makernote_deleter>;
 
-std::vector<computed_frame> compute(const run_options &options, qz_mkn *makernote)
+byte_buffer dump_of(const std::vector<computed_frame> &frames)
 {
-    expect_one_standard_input(options.inputs);
-    const scene inputs = load_scene(options.inputs);
-    const auto [first, last] = chosen_frames(inputs, options.frame);
-    isp_session session(load_container(options.inputs), tuning_name(options.inputs), inputs, makernote);
-    std::vector<computed_frame> frames;
-    for (size_t i = 0; i < last; ++i) {
-        const frame_inputs &frame = inputs.frames[i];
-        const record_snapshot snapshot = session.run(frame);
-        if (i >= first)
-            frames.push_back({i, frame.name, snapshot, std::nullopt});
-        if (i >= first && options.explain)
-            frames.back().origin = explain_frame(session, frame, snapshot);
-    }
-    return frames;
-}
-
-byte_buffer frames_bytes(const std::vector<computed_frame> &frames)
-{
-    byte_buffer bytes;
-    for (const computed_frame &frame : frames) {
-        const auto *start = reinterpret_cast<const uint8_t *>(&frame.snapshot.record);
-        bytes.insert(bytes.end(), start, start + frame.snapshot.bytes_used);
-    }
-    return bytes;
+    byte_buffer dump;
+    for (const computed_frame &frame : frames)
+        append_record(dump, frame.snapshot);
+    return dump;
 }
 
 } // namespace
 
 int run(const run_options &options)
 {
+    expect_one_standard_input(options.inputs);
+    const scene scene = load_scene(options.inputs);
+    const frame_choice chosen = choose_frames(scene, options.frame);
     const makernote_handle makernote(options.makernote ? qz_mkn_create() : nullptr);
-    const std::vector<computed_frame> frames = compute(options, makernote.get());
+    isp_session session(load_container(options.inputs), tuning_name(options.inputs), scene, makernote.get());
+    const std::vector<computed_frame> frames = compute_frames(session, scene, chosen, options.explain);
     if (options.makernote)
         write_file(*options.makernote, save_makernote(makernote.get()));
     else if (options.raw)
-        write_file(*options.raw, frames_bytes(frames));
+        write_file(*options.raw, dump_of(frames));
     else
         write_text("-", options.as_json ? frames_json(frames) : frames_text(frames, options.all));
     return exit_success;

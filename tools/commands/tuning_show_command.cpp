@@ -1,29 +1,24 @@
+#include "tools/commands/tuning_show_command.h"
+
 #include <cstdio>
 
 #include <fmt/format.h>
 
-#include "commands.h"
-#include "tuning_print.h"
-#include "tuning_source.h"
+#include "desk/tuning/to_json.h"
+#include "tools/base/exit_codes.h"
+#include "tools/base/files.h"
+#include "tools/text/tuning_text.h"
 
 namespace qz::tool {
 
-int pack_tuning(const pack_options &options)
-{
-    const byte_buffer source = read_file(options.source);
-    write_file(options.container, pack_container(input_name(options.source),
-                                                 {reinterpret_cast<const char *>(source.data()), source.size()}));
-    return exit_success;
-}
-
-int show_tuning(const show_options &options)
+int show_tuning(const tuning_show_options &options)
 {
     const std::string name = input_name(options.file);
-    const byte_buffer bytes = read_file(options.file);
-    const tuning_container container = read_container(name, bytes);
-    write_text("-", options.as_json ? container_source(container) : container_text(container));
-    for (const tuning_problem &problem : container.problems)
-        fmt::print(stderr, "qz-isp: {}: {}{}\n", name, problem.error ? "" : "warning: ", problem_text(problem));
+    const desk::byte_buffer bytes = read_file(options.file);
+    const desk::tuning_container container = desk::read_container(name, bytes);
+    write_text("-", options.as_json ? desk::container_source(container) : tuning_text(container));
+    for (const desk::tuning_problem &problem : container.problems)
+        fmt::print(stderr, "qz-isp: {}: {}{}\n", name, problem.error ? "" : "warning: ", desk::problem_text(problem));
     return container.has_errors() ? exit_failure : exit_success;
 }
 

@@ -1,16 +1,15 @@
-#include <fmt/format.h>
+#include "tools/text/explain_text.h"
 
-#include "explain_print.h"
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "tools/text/lines.h"
 
 namespace qz::tool {
 
-namespace {
+using namespace desk;
 
-// As fields are printed.
-std::string line(std::string_view label, std::string_view text)
-{
-    return fmt::format("       {:<21} {}\n", label, text);
-}
+namespace {
 
 std::string rule_text(size_t number, const evaluated_rule &rule)
 {
@@ -46,19 +45,19 @@ std::string rows_text(const frame_origin &frame, const row_origin &rows)
 
 std::string frame_origin_text(const frame_origin &frame)
 {
-    const std::array<uint8_t, 3> order = set_order(frame.tuning_mode);
-    std::string text = line("tuning", fmt::format("{}: {} set {}", frame.tuning, frame.set_count,
-                                                  frame.set_count == 1 ? "index" : "indices"));
-    text += line("sets", fmt::format("tuning_mode {}: set {}, else set {}, else set {}", frame.tuning_mode, order[0],
-                                     order[1], order[2]));
+    const std::array<uint8_t, 3> &order = frame.set_order;
+    std::string text = labelled_line("tuning", fmt::format("{}: {} set {}", frame.tuning, frame.set_count,
+                                                           frame.set_count == 1 ? "index" : "indices"));
+    text += labelled_line("sets", fmt::format("tuning_mode {}: set {}, else set {}, else set {}", frame.tuning_mode,
+                                              order[0], order[1], order[2]));
     if (frame.index_0_first)
-        text += line("set index", "0 first, as there is a selection_list");
+        text += labelled_line("set index", "0 first, as there is a selection_list");
     size_t number = 0;
     for (const evaluated_rule &rule : frame.rules)
-        text += line(number == 0 ? "rules" : "", rule_text(number, rule)), ++number;
-    text +=
-        line("gain", fmt::format("{} (256 = 1.0){}{}", frame.gain, frame.gain_why.empty() ? "" : ": ", frame.gain_why));
-    text += line("saturation", fmt::format("factor {:.6g}", frame.saturation));
+        text += labelled_line(number == 0 ? "rules" : "", rule_text(number, rule)), ++number;
+    text += labelled_line(
+        "gain", fmt::format("{} (256 = 1.0){}{}", frame.gain, frame.gain_why.empty() ? "" : ": ", frame.gain_why));
+    text += labelled_line("saturation", fmt::format("factor {:.6g}", frame.saturation));
     return text + "\n";
 }
 
@@ -68,16 +67,19 @@ std::string block_origin_text(const frame_origin &frame, const block_origin &blo
     const bool from_record = block.source == origin::tuning;
     std::string text;
     if (!from_record)
-        text += line("from", block.why.empty() ? std::string(source) : fmt::format("{}: {}", source, block.why));
+        text +=
+            labelled_line("from", block.why.empty() ? std::string(source) : fmt::format("{}: {}", source, block.why));
     if (block.record)
-        text += line(from_record ? "from" : "record", record_origin_text(*block.record));
+        text += labelled_line(from_record ? "from" : "record", record_origin_text(*block.record));
     if (from_record && !block.why.empty())
-        text += line("with", block.why);
+        text += labelled_line("with", block.why);
     if (block.rows)
-        text += line("rows", rows_text(frame, *block.rows));
+        text += labelled_line("rows", rows_text(frame, *block.rows));
+    if (block.rows && !block.controls.empty())
+        text += labelled_line("tuned", fmt::format("{}", fmt::join(block.rows->values, " ")));
     for (const control_origin &control : block.controls)
-        text += line("control", fmt::format("{} {:.0f}: {:.6g}, {}", control.control, control.value, control.amount,
-                                            control.meaning));
+        text += labelled_line("control", fmt::format("{} {:.0f}: {:.6g}, {}", control.control, control.value,
+                                                     control.amount, control.meaning));
     return text;
 }
 

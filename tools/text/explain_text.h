@@ -1,18 +1,14 @@
-// Origins of a frame's values, for people and as JSON.
+// Origins of a frame's values, for people.
 #pragma once
 
 #include <string>
 
-#include "explain.h"
-#include "json.h"
+#include "desk/explain/explain.h"
 
 namespace qz::tool {
 
 // What the whole frame was made with, and one block's values, in lines that start with the label of a field.
-std::string frame_origin_text(const frame_origin &frame);
-std::string block_origin_text(const frame_origin &frame, const block_origin &block);
-
-json frame_origin_json(const frame_origin &frame);
-json block_origin_json(const block_origin &block);
+std::string frame_origin_text(const desk::frame_origin &frame);
+std::string block_origin_text(const desk::frame_origin &frame, const desk::block_origin &block);
 
 } // namespace qz::tool

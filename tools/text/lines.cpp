@@ -1,7 +1,6 @@
-#include "value_rows.h"
+#include "tools/text/lines.h"
 
 #include <algorithm>
-#include <iterator>
 
 #include <fmt/format.h>
 
@@ -9,42 +8,8 @@ namespace qz::tool {
 
 namespace {
 
-// Fields of more rows than this are abbreviated.
-constexpr size_t short_rows = 4;
-constexpr std::string_view indent = "       ";
-
-using text_output = std::back_insert_iterator<std::string>;
-
-// Rows of numbers in columns of one width, each row after the index of its first value.
-class row_printer {
-  public:
-    row_printer(std::string &text, std::string_view name, bool indexed) : text_(text), name_(name), indexed_(indexed) {}
-
-    void row(size_t index, const std::vector<int64_t> &values, size_t width)
-    {
-        start(indexed_ ? fmt::format("{}:", index) : "");
-        for (const int64_t value : values)
-            fmt::format_to(text_output(text_), " {:>{}}", value, width);
-        text_ += '\n';
-    }
-
-    void note(std::string_view text)
-    {
-        start("");
-        fmt::format_to(text_output(text_), " {}\n", text);
-    }
-
-  private:
-    void start(std::string_view label)
-    {
-        fmt::format_to(text_output(text_), "{}{:<16}{:>5}", indent, name_, label);
-        name_ = "";
-    }
-
-    std::string &text_;
-    std::string_view name_;
-    bool indexed_;
-};
+// Lists of more lines than this are abbreviated.
+constexpr size_t short_list = 4;
 
 size_t widest(const std::vector<int64_t> &values)
 {
@@ -56,20 +21,30 @@ size_t widest(const std::vector<int64_t> &values)
 
 } // namespace
 
-void print_rows(std::string &text, std::string_view name, const std::vector<int64_t> &values, size_t columns, bool all)
+std::string labelled_line(std::string_view label, std::string_view text)
 {
-    const size_t rows = (values.size() + columns - 1) / columns;
+    return fmt::format("{}{:<21} {}\n", line_indent, label, text);
+}
+
+std::string number_lines(std::string_view name, const std::vector<int64_t> &values, size_t columns, bool all)
+{
+    const size_t lines = (values.size() + columns - 1) / columns;
     const size_t width = widest(values);
-    row_printer printer(text, name, rows > 1);
-    for (size_t row = 0; row < rows; ++row) {
-        if (!all && rows > short_rows && row == 1) {
-            printer.note(fmt::format("... {} values, --all shows them", values.size()));
-            row = rows - 1;
+    std::string text;
+    for (size_t line = 0; line < lines; ++line) {
+        if (!all && lines > short_list && line == 1) {
+            text += labelled_line("", fmt::format("... {} values, --all shows them", values.size()));
+            line = lines - 1;
         }
-        const auto first = values.begin() + static_cast<ptrdiff_t>(row * columns);
-        const auto last = row + 1 == rows ? values.end() : first + static_cast<ptrdiff_t>(columns);
-        printer.row(row * columns, std::vector(first, last), width);
+        const size_t first = line * columns;
+        std::string numbers;
+        for (size_t i = first; i < std::min(first + columns, values.size()); ++i)
+            numbers += fmt::format("{}{:>{}}", i > first ? " " : "", values[i], width);
+        // The index of a line's first value, where there are several lines.
+        const std::string index = lines > 1 ? fmt::format("{}:", first) : "";
+        text += labelled_line(fmt::format("{:<16}{:>5}", line == 0 ? name : "", index), numbers);
     }
+    return text;
 }
 
 } // namespace qz::tool

@@ -1,4 +1,4 @@
-// A list of numbers under its name, in rows.
+// Lines of what belongs to a block: a label, then values.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,12 @@
 
 namespace qz::tool {
 
-// Appends lines of so many values each. all: every row; otherwise long lists show their first and last.
-void print_rows(std::string &text, std::string_view name, const std::vector<int64_t> &values, size_t columns, bool all);
+constexpr std::string_view line_indent = "       ";
+
+std::string labelled_line(std::string_view label, std::string_view text);
+
+// A list of numbers under its name, in lines of so many values each. all: every one; otherwise long lists show their
+// first and last.
+std::string number_lines(std::string_view name, const std::vector<int64_t> &values, size_t columns, bool all);
 
 } // namespace qz::tool

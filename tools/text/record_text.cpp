@@ -1,17 +1,18 @@
+#include "tools/text/record_text.h"
+
 #include <algorithm>
 #include <iterator>
 
 #include <fmt/format.h>
 
-#include "explain_print.h"
-#include "record_print.h"
-#include "value_rows.h"
+#include "tools/text/explain_text.h"
+#include "tools/text/lines.h"
 
 namespace qz::tool {
 
-namespace {
+using namespace desk;
 
-constexpr std::string_view indent = "       ";
+namespace {
 
 using text_output = std::back_insert_iterator<std::string>;
 
@@ -33,10 +34,10 @@ void print_shading_maps(std::string &text, const record_snapshot &snapshot, size
     const size_t rows = std::min<size_t>(7, tables[0].rows);
     const size_t columns = std::min<size_t>(9, tables[0].columns);
     const std::string title = fmt::format("gains of channel {}", left);
-    fmt::format_to(text_output(text), "{}{:<{}}    gains of channel {}\n", indent, title,
+    fmt::format_to(text_output(text), "{}{:<{}}    gains of channel {}\n", line_indent, title,
                    std::max(title.size(), 5 * columns), left + 1);
     for (size_t row = 0; row < rows; ++row) {
-        text += indent;
+        text += line_indent;
         for (const shading_table &table : tables) {
             for (size_t column = 0; column < columns; ++column) {
                 const std::optional<uint16_t> entry =
@@ -57,7 +58,7 @@ void print_shading(std::string &text, const record_snapshot &snapshot, bool all)
             return;
         if (all) {
             const std::vector<int64_t> values(table.entries.begin(), table.entries.end());
-            print_rows(text, fmt::format("table {}", channel), values, table.columns, true);
+            text += number_lines(fmt::format("table {}", channel), values, table.columns, true);
         } else if (channel % 2 == 0) {
             print_shading_maps(text, snapshot, channel);
         }
@@ -79,7 +80,7 @@ std::string record_text(const record_snapshot &snapshot, const std::optional<fra
         if (!present)
             continue;
         for (const field &described : block.fields)
-            print_rows(text, described.name, field_values(snapshot, block, described), described.columns, all);
+            text += number_lines(described.name, field_values(snapshot, block, described), described.columns, all);
         if (has_shading_tables(block))
             print_shading(text, snapshot, all);
     }

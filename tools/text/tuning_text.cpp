@@ -1,4 +1,4 @@
-#include "tuning_print.h"
+#include "tools/text/tuning_text.h"
 
 #include <iterator>
 #include <map>
@@ -7,6 +7,8 @@
 #include <fmt/format.h>
 
 namespace qz::tool {
+
+using namespace desk;
 
 namespace {
 
@@ -19,7 +21,7 @@ std::optional<slot_key> key_of(const tuning_record &record, unsigned set_index)
         return slot_key(0, "rules");
     if (!record.place || record.place->kind == nullptr)
         return std::nullopt;
-    return slot_key(set_index, fmt::format("{} {}", record.place->set, slot_name(*record.place->kind)));
+    return slot_key(set_index, fmt::format("{} {}", record.place->set, record.place->kind->slot));
 }
 
 class list_printer {
@@ -94,7 +96,7 @@ class list_printer {
 
 } // namespace
 
-std::string container_text(const tuning_container &container)
+std::string tuning_text(const tuning_container &container)
 {
     return list_printer().print(container);
 }

@@ -3,10 +3,10 @@
 
 #include <string>
 
-#include "tuning_container.h"
+#include "desk/tuning/container.h"
 
 namespace qz::tool {
 
-std::string container_text(const tuning_container &container);
+std::string tuning_text(const desk::tuning_container &container);
 
 } // namespace qz::tool

@@ -1,0 +1,16 @@
+#include "tools/commands/tuning_pack_command.h"
+
+#include "desk/tuning/pack.h"
+#include "tools/base/exit_codes.h"
+#include "tools/base/files.h"
+
+namespace qz::tool {
+
+int pack_tuning(const tuning_pack_options &options)
+{
+    const desk::byte_buffer source = read_file(options.source);
+    write_file(options.container, desk::pack_container(input_name(options.source), desk::text_of(source)));
+    return exit_success;
+}
+
+} // namespace qz::tool
