@@ -108,14 +108,13 @@ void compare(const std::string &routine, const std::string &size, work ours, std
 
 void print_ratios()
 {
-    std::printf("\n%-40s %-22s %-20s %12s %8s %8s\n", "routine", "size", "peer", "ours (us)", "ratio", "target");
+    std::printf("\n| %-39s | %-21s | %-31s | ours, us | ratio | target |\n", "routine", "size", "peer");
+    std::printf("|---|---|---|---|---|---|\n");
     for (const result &r : results()) {
-        std::printf("%-40s %-22s %-20s %12.3f", r.routine.c_str(), r.size.c_str(), r.peer.c_str(), r.ours * 1e6);
-        if (r.ratio > 0.0)
-            std::printf(" %8.2f", r.ratio);
-        if (r.at_most > 0.0)
-            std::printf(" %8.2f%s", r.at_most, r.ratio > r.at_most ? "  missed" : "");
-        std::printf("\n");
+        const std::string quoted = '`' + r.routine + '`';
+        std::printf("| %-39s | %-21s | %-31s | %8.3f |", quoted.c_str(), r.size.c_str(), r.peer.c_str(), r.ours * 1e6);
+        std::printf(r.ratio > 0.0 ? " %5.2f |" : " – |", r.ratio);
+        std::printf(r.at_most > 0.0 ? " %.2f%s |\n" : " – |\n", r.at_most, r.ratio > r.at_most ? " missed" : "");
     }
 }
 

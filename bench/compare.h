@@ -21,7 +21,8 @@ inline constexpr double no_target = 0.0;
 // else the machine does meets all of them alike. Without peers it times ours alone.
 void compare(const std::string &routine, const std::string &size, work ours, std::vector<peer> peers = {});
 
-// Prints a line for each comparison that ran: ratio of the medians, and the target.
+// Prints a row of a Markdown table for each comparison that ran: ratio of the medians, and the target. medians.sh takes
+// what several runs printed.
 void print_ratios();
 
 } // namespace bench

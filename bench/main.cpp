@@ -10,6 +10,9 @@
 #ifdef QZ_BENCH_OPENBLAS
 #include <cblas.h>
 #endif
+#ifdef QZ_BENCH_LIBYUV
+#include <libyuv.h>
+#endif
 
 int main(int argc, char **argv)
 {
@@ -19,6 +22,11 @@ int main(int argc, char **argv)
 #endif
 #ifdef QZ_BENCH_OPENBLAS
     openblas_set_num_threads(1);
+#endif
+    // Where the library is built for the device's level, the peers are held to it: OpenCV and OpenBLAS by the
+    // environment (make bench-device), as they look at the processor before main().
+#if defined(QZ_BENCH_LIBYUV) && defined(QZ_BENCH_DEVICE_LEVEL)
+    libyuv::MaskCpuFlags(libyuv::kCpuHasX86 | libyuv::kCpuHasSSE2 | libyuv::kCpuHasSSSE3);
 #endif
 
     benchmark::Initialize(&argc, argv);

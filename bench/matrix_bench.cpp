@@ -51,7 +51,9 @@ void add_eigen([[maybe_unused]] std::vector<peer> &peers, [[maybe_unused]] doubl
 {
 #ifdef QZ_BENCH_EIGEN
     peers.push_back({"Eigen", at_most, std::move(plain)});
+#ifndef QZ_BENCH_DEVICE_LEVEL
     peers.push_back({"Eigen, -march=native", no_target, std::move(native)});
+#endif
 #endif
 }
 
