@@ -1,5 +1,9 @@
 #include "allocation_faults.h"
 
+#include <cstring>
+
+#include <malloc.h>
+
 extern "C" {
 void *__real_malloc(size_t size);
 void *__real_calloc(size_t count, size_t size);
@@ -20,9 +24,13 @@ bool fails_now()
     return failing != faults::never && (number == failing || (and_later && number > failing));
 }
 
-void *counted(void *block)
+// What the allocator leaves behind the bytes asked for is filled, so that reading it shows.
+void *counted(void *block, size_t size)
 {
-    live += block != nullptr;
+    if (block == nullptr)
+        return nullptr;
+    ++live;
+    std::memset(static_cast<char *>(block) + size, 0xa5, malloc_usable_size(block) - size);
     return block;
 }
 
@@ -34,12 +42,12 @@ extern "C" {
 
 void *__wrap_malloc(size_t size)
 {
-    return fails_now() ? nullptr : counted(__real_malloc(size));
+    return fails_now() ? nullptr : counted(__real_malloc(size), size);
 }
 
 void *__wrap_calloc(size_t count, size_t size)
 {
-    return fails_now() ? nullptr : counted(__real_calloc(count, size));
+    return fails_now() ? nullptr : counted(__real_calloc(count, size), count * size);
 }
 
 void *__wrap_realloc(void *block, size_t size)
@@ -47,7 +55,7 @@ void *__wrap_realloc(void *block, size_t size)
     if (fails_now())
         return nullptr;
     live -= block != nullptr;
-    return counted(__real_realloc(block, size));
+    return counted(__real_realloc(block, size), size);
 }
 
 void __wrap_free(void *block)

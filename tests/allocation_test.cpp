@@ -7,12 +7,10 @@
 #include <gtest/gtest.h>
 
 #include "allocation_faults.h"
-#include "container_builder.h"
+#include "camera.h"
 #include "qz_isp/bicubic.h"
-#include "qz_isp/context.h"
 #include "qz_isp/matrix.h"
 #include "qz_isp/polynomial.h"
-#include "qz_mkn.h"
 
 namespace {
 
@@ -136,58 +134,89 @@ TEST(allocation_faults, of_a_makernote_drop_the_record)
     EXPECT_EQ(faults::live_blocks(), 0);
 }
 
-// A camera's container and characterisation.
-struct inputs {
-    isp_sensor_description sensor = {{}, 3264, 2448, 10, 0};
-    isp_entry_table_header header = {{}, 2};
-    std::array<uint8_t, 32> table = {};
-    isp_cmc cmc = {nullptr, nullptr, &sensor, &header, table.data()};
-    test::container container;
-
-    explicit inputs(const test::bytes &records) : container(records, 0) {}
-
-    isp_context *init() { return qz_isp_2_7_init(container.blob(), 4, 4, &cmc, nullptr); }
-};
-
-TEST(allocation_faults, one_block_for_the_context_one_for_the_sets_and_one_a_record)
-{
-    inputs in(test::join({test::record(323, test::bytes(6)), test::record(333, test::bytes(4)),
-                          test::record(1, test::bytes(4)), test::record(324, {}), test::record(778, test::bytes(2)),
-                          test::set_container(2, test::record(336, test::bytes(4)))}));
-    faults::fail_allocation(faults::never);
-    isp_context *context = in.init();
-    // Context, three parts of the characterisation, the sets, grown sets, five records, rec_13's second copy.
-    EXPECT_EQ(faults::allocations(), 1 + 3 + 2 + 5 + 1);
-    EXPECT_EQ(faults::live_blocks(), 1 + 3 + 1 + 4);
-    qz_isp_2_7_deinit(context);
-    EXPECT_EQ(faults::live_blocks(), 0);
-}
-
-TEST(allocation_faults, of_init_leave_nothing_behind)
+TEST(allocation_faults, of_init_and_parse_leave_nothing_behind)
 {
     // Nested beyond what the walk keeps without the heap.
     test::bytes records = test::record(326, test::bytes(2));
     for (uint16_t depth = 40; depth > 0; --depth)
         records = test::join({test::set_container(depth, records, depth % 2 == 0), test::record(333, test::bytes(4))});
-    inputs in(records);
+    const test::camera shared(records);
+    test::container container(records);
+    const auto init = [&] { return qz_isp_2_7_init(container.blob(), 4, 4, &shared.cmc, nullptr); };
+    const long before = faults::live_blocks();
 
     faults::fail_allocation(faults::never);
-    qz_isp_2_7_deinit(in.init());
+    qz_isp_2_7_deinit(init());
     const long allocations = faults::allocations();
     ASSERT_GT(allocations, 80);
     int survived = 0;
     for (long n = 0; n < allocations; ++n) {
         for (const bool later_too : {false, true}) {
             faults::fail_allocation(n, later_too);
-            isp_context *context = in.init();
+            isp_context *context = init();
             faults::fail_allocation(faults::never);
             survived += context != nullptr;
             qz_isp_2_7_deinit(context);
-            ASSERT_EQ(faults::live_blocks(), 0) << n;
+            ASSERT_EQ(faults::live_blocks(), before) << n;
         }
     }
     // The characterisation copy's three blocks and the second copy of each rec_13 may fail.
     EXPECT_EQ(survived, 3 + 40 + 1);
+
+    isp_context twice = {};
+    int parsed = 0;
+    for (long n = 0; n < allocations; ++n) {
+        faults::fail_allocation(n);
+        const uint32_t status = isp_parse(container.blob(), &twice);
+        parsed += status == ISP_SUCCESS;
+        EXPECT_EQ(status, twice.set_count == 0 ? ISP_OUT_OF_MEMORY : ISP_SUCCESS) << n;
+    }
+    EXPECT_EQ(parsed, 40 + 1 + 3); // the last ones have nothing left to fail
+    faults::fail_allocation(faults::never);
+    isp_parse_deinit(&twice);
+    EXPECT_EQ(faults::live_blocks(), before);
+}
+
+TEST(allocation_faults, of_a_parse_come_behind_all_that_is_wrong_and_its_sets_are_one_block)
+{
+    // Nested as deep as goes without the heap, and wrong only at the end.
+    const test::bytes good = test::record(326, test::bytes(2));
+    for (const test::bytes &bad : {test::record(339, {0}), test::bytes{7, 0, 0, 0, 0, 0, 0, 0, 0},
+                                   test::set_container(2, {'V', 'U', 'X', 'B'})}) {
+        test::bytes records = bad;
+        for (uint16_t depth = 15; depth > 0; --depth)
+            records = test::join({good, test::set_container(depth, records), good});
+        test::container container(records);
+        isp_context context = {};
+        faults::fail_allocation(0);
+        EXPECT_EQ(isp_parse(container.blob(), &context), ISP_INVALID_DATA);
+        EXPECT_EQ(faults::allocations(), 0);
+    }
+
+    test::bytes records;
+    for (uint16_t index = 1; index < 1024; ++index)
+        records = test::join({records, test::set_container(index, {})});
+    test::container ascending(test::join({good, records, good}));
+    isp_context context = {};
+    faults::fail_allocation(faults::never);
+    EXPECT_EQ(isp_parse(ascending.blob(), &context), ISP_SUCCESS);
+    EXPECT_EQ(faults::allocations(), 1 + 2);
+    EXPECT_EQ(context.set_count, 1024);
+    isp_parse_deinit(&context);
+}
+
+TEST(tuning_records, too_short_for_their_readers_read_as_zeros)
+{
+    for (const uint16_t base : std::initializer_list<uint16_t>{320, 768})
+        for (uint16_t id = base; id < base + 19; ++id) {
+            if (id == 320)
+                continue; // refused
+            test::camera nothing(test::join({test::record(id, {}, 101), test::record(1, {1})}));
+            test::camera zeros(test::record(id, test::bytes(40), 101));
+            isp_input_params input = {};
+            input.nr_mode = input.edge_mode = 2;
+            EXPECT_EQ(std::memcmp(&nothing.run(input), &zeros.run(input), AIC_FIXED_SIZE), 0) << id;
+        }
 }
 
 } // namespace

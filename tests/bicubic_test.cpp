@@ -220,15 +220,6 @@ TEST(resize, is_exact_for_every_shape_and_value)
     }
 }
 
-TEST(resize, truncates_and_keeps_the_low_half)
-{
-    const float src[] = {0.9999f, 2, 3, 63.9999f};
-    const guarded<uint16_t> wide(6);
-    ASSERT_EQ(bicubic_resize_32f_to_u16p10(src, 2, 2, wide.data(), 2, 3), 0u);
-    EXPECT_EQ(std::vector<uint16_t>(wide.begin(), wide.end()),
-              (std::vector<uint16_t>{1023, 1535, 2048, 3072, 34303, 65535}));
-}
-
 // The samples under a destination sample and their weights, walked in the order of the sum.
 struct touched {
     std::vector<size_t> index;
@@ -274,9 +265,10 @@ void expect_downscale(const scaling &s, const isp_roi *roi, uint32_t round)
 
 TEST(area_average, is_exact_for_every_ratio_region_and_value)
 {
-    constexpr scaling cases[] = {{{128, 96}, {27, 21}}, {{640, 48}, {64, 3}},  {{14, 14}, {13, 13}}, {{4, 4}, {3, 3}},
-                                 {{90, 7}, {3, 3}},     {{600, 40}, {599, 3}}, {{61, 53}, {6, 5}},   {{97, 4}, {21, 3}},
-                                 {{48, 33}, {12, 11}},  {{2100, 4}, {525, 3}}, {{40, 40}, {13, 12}}};
+    constexpr scaling cases[] = {
+        {{128, 96}, {27, 21}}, {{640, 48}, {64, 3}}, {{14, 14}, {13, 13}}, {{4, 4}, {3, 3}},     {{90, 7}, {3, 3}},
+        {{600, 40}, {599, 3}}, {{61, 53}, {6, 5}},   {{97, 4}, {21, 3}},   {{48, 33}, {12, 11}}, {{2100, 4}, {525, 3}},
+        {{40, 40}, {13, 12}},  {{134, 8}, {67, 4}},  {{20, 6}, {10, 3}}};
     std::mt19937 random(5);
     for (const scaling &s : cases)
         for (uint32_t round = 0; round < 16; ++round) {
@@ -303,60 +295,48 @@ TEST(area_average, of_disjoint_blocks_in_every_plane)
         EXPECT_EQ(out[i], (1024 * (12 * (i / 3) + 2 * (i % 3)) + 3584) % 65536);
 }
 
+struct refusal {
+    enum { up, resize, area } routine;
+    std::vector<scaling> sizes;
+    isp_roi roi = {0, 0, 6, 6};
+};
+
 TEST(every_routine, refuses_sizes_it_cannot_reach_and_writes_nothing)
 {
-    enum which { up, resize, area };
-    constexpr struct {
-        which routine;
-        scaling sizes;
-        isp_roi roi = {0, 0, 6, 6};
-    } cases[] = {{up, {{3, 3}, {2, 9}}},
-                 {up, {{3, 3}, {9, 2}}},
-                 {up, {{2, 1}, {1, 1}}},
-                 {up, {{1, 3}, {1, 3}}},
-                 {up, {{3, 1}, {3, 1}}},
-                 {up, {{0, 3}, {4, 4}}},
-                 {up, {{3, 0}, {4, 4}}},
-                 {resize, {{2, 2}, {2, 1}}},
-                 {resize, {{2, 2}, {1, 2}}},
-                 {resize, {{2, 0}, {2, 2}}},
-                 {resize, {{0, 2}, {2, 2}}},
-                 {resize, {{2, 2}, {2, 0}}},
-                 {resize, {{2, 2}, {0, 2}}},
-                 {area, {{6, 6}, {6, 3}}},
-                 {area, {{6, 6}, {3, 6}}},
-                 {area, {{6, 6}, {2, 3}}},
-                 {area, {{6, 6}, {3, 2}}},
-                 {area, {{6, 6}, {3, 3}}, {6, 0, 0, 6}},
-                 {area, {{6, 6}, {3, 3}}, {0, 6, 6, 0}},
-                 {area, {{6, 6}, {3, 3}}, {1, 0, 65535, 6}},
-                 {area, {{6, 6}, {3, 3}}, {0, 1, 6, 6}}};
+    const refusal cases[] = {
+        {refusal::up, {{{3, 3}, {2, 9}}, {{3, 3}, {9, 2}}, {{2, 1}, {1, 1}}, {{1, 3}, {1, 3}}, {{3, 1}, {3, 1}}}},
+        {refusal::up, {{{0, 3}, {4, 4}}, {{3, 0}, {4, 4}}}},
+        {refusal::resize, {{{2, 2}, {2, 1}}, {{2, 2}, {1, 2}}, {{2, 0}, {2, 2}}, {{0, 2}, {2, 2}}}},
+        {refusal::resize, {{{2, 2}, {2, 0}}, {{2, 2}, {0, 2}}}},
+        {refusal::area, {{{6, 6}, {6, 3}}, {{6, 6}, {3, 6}}, {{6, 6}, {2, 3}}, {{6, 6}, {3, 2}}}},
+        {refusal::area, {{{6, 6}, {3, 3}}}, {6, 0, 0, 6}},
+        {refusal::area, {{{6, 6}, {3, 3}}}, {0, 6, 6, 0}},
+        {refusal::area, {{{6, 6}, {3, 3}}}, {1, 0, 65535, 6}},
+        {refusal::area, {{{6, 6}, {3, 3}}}, {0, 1, 6, 6}}};
     const std::vector<float> samples(36, 2.0f);
     const uint8_t bytes[9] = {};
     const uint8_t *byte_plane = bytes;
     const float *src = samples.data();
-    for (const auto &[routine, sizes, roi] : cases) {
-        const auto &[from, to] = sizes;
-        std::vector<uint16_t> p10(36, untouched);
-        std::vector<float> values(36, 7.0f);
-        uint16_t *dst = p10.data();
-        float *dst_values = values.data();
-        uint32_t status = 0;
-        testing::internal::CaptureStderr();
-        if (routine == up)
-            status = image_bicubic_upscale_uint8_to_float(&byte_plane, &dst_values, from.width, from.height, to.width,
-                                                          to.height, 1);
-        else if (routine == resize)
-            status = bicubic_resize_32f_to_u16p10(src, from.height, from.width, dst, to.height, to.width);
-        else
-            status = image_downscale_32f_to_u16p10(&src, &dst, from.width, from.height, to.width, to.height, 1, &roi);
-        const bool shrinking = to.width < from.width || to.height < from.height;
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), routine == up && shrinking ? "qz[0] Not upscaling\n" : "")
-            << sizes;
-        EXPECT_EQ(status, to.area() == 0 ? 0u : 32u) << routine << ' ' << sizes;
-        EXPECT_EQ(values, std::vector<float>(36, 7.0f));
-        EXPECT_EQ(p10, std::vector<uint16_t>(36, untouched));
-    }
+    std::vector<uint16_t> p10(36, untouched);
+    std::vector<float> values(36, 7.0f);
+    uint16_t *dst = p10.data();
+    float *dst_values = values.data();
+    for (const auto &[routine, all_sizes, roi] : cases)
+        for (const scaling &sizes : all_sizes) {
+            const auto &[from, to] = sizes;
+            testing::internal::CaptureStderr();
+            const uint32_t status =
+                routine == refusal::up ? image_bicubic_upscale_uint8_to_float(&byte_plane, &dst_values, from.width,
+                                                                              from.height, to.width, to.height, 1)
+                : routine == refusal::resize
+                    ? bicubic_resize_32f_to_u16p10(src, from.height, from.width, dst, to.height, to.width)
+                    : image_downscale_32f_to_u16p10(&src, &dst, from.width, from.height, to.width, to.height, 1, &roi);
+            const bool logs = routine == refusal::up && (to.width < from.width || to.height < from.height);
+            EXPECT_EQ(testing::internal::GetCapturedStderr(), logs ? "qz[0] Not upscaling\n" : "") << sizes;
+            EXPECT_EQ(status, to.area() == 0 ? 0u : 32u) << routine << ' ' << sizes;
+        }
+    EXPECT_EQ(values, std::vector<float>(36, 7.0f));
+    EXPECT_EQ(p10, std::vector<uint16_t>(36, untouched));
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "digest.h"
 #include "qz_isp/color.h"
 
 namespace {
@@ -58,70 +59,67 @@ TEST(set_yuv_to_rgb, takes_as_many_fraction_bits_as_fit)
     }
 }
 
-TEST(saturation, scales_factors_and_blends_or_boosts_matrices)
+TEST(saturation, scales_factors_and_boosts_matrices_by_its_low_byte)
 {
     for (const auto &[saturation, expected] : {std::pair{-128, 0.0f}, {-64, 0.35f}, {0, 0.7f}, {127, 3.5f}}) {
         float factor = 0.7f;
         compute_saturation_factor(static_cast<int8_t>(saturation), &factor);
         EXPECT_EQ(factor, expected) << saturation;
     }
-
-    const std::vector<float> tuned = {-0.5f, 0, 1.5f, 1, 0, 0, 0, 1, 0, 1.5f, -0.25f, -0.25f, 0, 1, 0, 0, 0, 1};
-    std::vector<float> m = tuned;
-    apply_manual_saturation_to_ccms(m.data(), 2, 0, 0, 1.0f);
-    apply_manual_saturation_to_ccms(m.data(), 2, 1, 50, 1.0f);
-    EXPECT_EQ(m, tuned);
-    apply_manual_saturation_to_ccms(m.data(), 2, 0, 0x17f, 1.0f); // the low byte is 127: a = 1.9921875
-    EXPECT_EQ(std::vector(&m[12], &m[15]), (std::vector{-0.49609375f, 1.9921875f, -0.49609375f}));
-    apply_manual_saturation_to_ccms(m.data(), 2, 0, -128, 3.0f);
-    EXPECT_EQ(std::vector(&m[12], &m[15]), (std::vector{0.6328125f, 0.0703125f, 0.296875f})); // grey
+    matrix m = {0, 1, 0, 1.5f, -0.25f, -0.25f, 0, 1, 0};
+    apply_manual_saturation_to_ccms(m.data(), 1, 1, 50, 1.0f);
+    apply_manual_saturation_to_ccms(m.data(), 1, 0, 0x17f, 1.0f); // 127: a = 1.9921875
+    EXPECT_EQ(std::vector(&m[3], &m[6]), (std::vector{1.6240234375f, -0.498046875f, -0.1259765625f}));
 }
 
 TEST(hue, turns_sectors_and_matrices)
 {
-    const std::pair<int, std::array<float, 4>> cases[] = {
-        {0, {1.0f, 2.0f, 3.0f, 3.999f}},
-        {-64, {3.0f, 3.999f, -1.0f, -2.0f}}, // a quarter turn
-        {-128, {-1.0f, -2.0f, -3.0f, -3.999f}},
-    };
-    for (const auto &[hue, expected] : cases) {
-        std::vector<float> sectors(64);
-        for (size_t i = 0; i < 64; ++i)
-            sectors[i] = std::array{1.0f, 2.0f, 3.0f, 4.5f}[i % 4];
-        compute_hue(sectors.data(), static_cast<int8_t>(hue));
-        for (size_t i = 0; i < 64; ++i)
-            EXPECT_NEAR(sectors[i], expected[i % 4], 1e-4f) << hue << " element " << i;
-    }
+    std::vector<float> sectors(64);
+    for (size_t i = 0; i < 64; ++i)
+        sectors[i] = std::array{1.0f, 2.0f, 3.0f, 4.5f}[i % 4];
+    compute_hue(sectors.data(), -64); // a quarter turn
+    for (size_t i = 0; i < 64; ++i)
+        EXPECT_NEAR(sectors[i], (std::array{3.0f, 3.999f, -1.0f, -2.0f}[i % 4]), 1e-4f) << i;
 
     matrix m = {1, 0, 0, 0, 1, 0, 0, 0, 1};
     apply_manual_hue_to_ccms(m.data(), 1, 1, -100);
     apply_manual_hue_to_ccms(m.data(), 1, 0, 64);
     EXPECT_NEAR(m[0], 0.7633f, 1e-4f); // 0.299 + 0.587 (cos + sin) + 0.114 (cos - sin)
-    matrix back = {1, 0, 0, 0, 1, 0, 0, 0, 1};
-    apply_manual_hue_to_ccms(back.data(), 1, 0, -64);
-    EXPECT_NEAR(back[0], -0.174f, 1e-4f);
-    for (size_t row = 0; row < m.size(); row += 3)
-        EXPECT_NEAR(m[row] + m[row + 1] + m[row + 2], 1.0f, 1e-6f);
 }
 
-TEST(effects, replace_matrices_144_bytes_apart)
+TEST(colour_matrices, of_every_setting_to_the_bit)
 {
-    struct {
-        uint32_t effects;
-        float first, second, last_row; // elements 0, 1 and 7
-    } const cases[] = {{0x39f, 9, 9, 9},
-                       {0xc20, 0.6328125f, 0.0703125f, 0.0703125f},
-                       {0x820, 0.706617f, 0.088122f, 0.030623f},
-                       {0x800, 0.499818f, 0, 0}};
-    for (const auto &c : cases) {
-        std::vector<float> ccms(36 + 9, 9.0f);
-        apply_color_effects_to_ccms(ccms.data(), 2, c.effects);
-        EXPECT_NEAR(ccms[0], c.first, 1e-6f) << c.effects;
-        EXPECT_NEAR(ccms[1], c.second, 1e-6f) << c.effects;
-        EXPECT_NEAR(ccms[7], c.last_row, 1e-6f) << c.effects;
-        EXPECT_EQ(std::vector(&ccms[36], &ccms[36] + 9), std::vector(&ccms[0], &ccms[9]));
-        EXPECT_EQ(std::vector(&ccms[9], &ccms[36]), std::vector(27, 9.0f));
+    uint64_t digests[5] = {};
+    const auto add = [](uint64_t &digest, const auto &values) {
+        digest = test::digest(values.data(), values.size() * sizeof values[0], digest);
+    };
+    std::vector<float> sectors(64);
+    for (size_t i = 0; i < 64; ++i)
+        sectors[i] = static_cast<float>(i * i % 61) / 16.0f - 2.0f;
+    std::vector<float> ccms(sectors.begin() + 10, sectors.begin() + 28);
+    ccms.resize(45);
+    for (int setting = -128; setting < 128; ++setting) {
+        std::vector<float> turned = sectors, hued = ccms, saturated = ccms, replaced = sectors;
+        compute_hue(turned.data(), static_cast<int8_t>(setting));
+        add(digests[0], turned);
+        apply_manual_hue_to_ccms(hued.data(), 2, 0, static_cast<int8_t>(setting));
+        add(digests[1], hued);
+        apply_manual_saturation_to_ccms(saturated.data(), 2, 0, setting, 1.1f);
+        add(digests[2], saturated);
+        apply_color_effects_to_ccms(replaced.data(), 2, static_cast<uint32_t>(setting + 128) << 4);
+        add(digests[3], replaced);
+        cc_fixed_matrix cc = {static_cast<uint16_t>((setting + 128) % 7), {}};
+        for (int i = 0; i < 9; ++i)
+            cc.coefficients[i] = static_cast<int16_t>((i + 3) * setting * 23);
+        uint32_t frac_bits = 0;
+        coefficients folded = {};
+        set_cc_reg(&cc, &frac_bits, folded.data());
+        add(digests[4], folded);
     }
+    constexpr uint64_t expected[] = {0xfa9695ba2402be52u, 0xcaba489c5b38626cu, 0xf4ced49192f1dd7bu, 0x1d08d141919344c0u,
+                                     0x8ea089f997835c76u};
+    for (size_t i = 0; i < 5; ++i)
+        EXPECT_EQ(digests[i], expected[i]) << i;
 }
 
 using sector = std::array<int16_t, 4>;
@@ -184,10 +182,19 @@ TEST(macc, combines_base_effects_and_hue)
             EXPECT_NEAR(coeffs[4 * c.sector_number + i], c.expected[i], c.hue != 0 ? 1 : 0) << c.what << " m" << i;
         EXPECT_EQ(shift, c.shift.value_or(99)) << c.what;
     }
-    const isp_table_slot empty = {};
-    std::vector<int16_t> coeffs(64, 99);
-    compute_macc(&empty, 1, 0, 0, 0, coeffs.data(), nullptr);
-    EXPECT_EQ(coeffs[63], 8192);
+    isp_record counted[] = {{}, {2, 0, 0, 0}}; // claims two entries
+    for (const isp_table_slot &none : {isp_table_slot{}, {counted, nullptr}}) {
+        std::vector<int16_t> coeffs(64, 99);
+        compute_macc(&none, 1, 0, 0, 0, coeffs.data(), nullptr);
+        EXPECT_EQ(coeffs[63], 8192);
+
+        uint64_t digest = 0;
+        for (const uint32_t table : {0x1u, 0x2u, 0x4u, 0x8u, 0x10u}) {
+            compute_macc(&none, 0, 0, table, 0, coeffs.data(), nullptr);
+            digest = test::digest(coeffs.data(), coeffs.size() * sizeof coeffs[0], digest);
+        }
+        EXPECT_EQ(digest, 0xba92eb149ccdb0f2u);
+    }
 }
 
 } // namespace

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "digest.h"
+#include "guarded.h"
 #include "qz_isp/color.h"
 #include "qz_mkn.h"
 
@@ -77,43 +79,44 @@ TEST(invert_gamma, subtracts_from_the_last_entry_and_wraps)
     table t = {0, 9, 3};
     invert_gamma(t.data() + 3, 0);
     invert_gamma(t.data(), 3);
-    EXPECT_EQ(t, (table{3, 65530, 0}));
+    invert_gamma(t.data() + 1, 1);
+    EXPECT_EQ(t, (table{3, 0, 0}));
     std::vector<float> f = {0.0f, 0.75f, 0.5f};
     invert_gamma_f(f.data() + 3, 0);
     invert_gamma_f(f.data(), 3);
-    EXPECT_EQ(f, (std::vector{0.5f, -0.25f, 0.0f}));
+    invert_gamma_f(f.data() + 1, 1);
+    EXPECT_EQ(f, (std::vector{0.5f, 0.0f, 0.0f}));
 }
 
-TEST(brightness_contrast, bends_tables_of_both_kinds)
+TEST(brightness_contrast, bends_tables_of_both_kinds_to_the_bit)
 {
-    const table in = {0, 1024, 2048, 3072, 4095};
-    struct {
-        int8_t brightness, contrast;
-        table expected;
-    } const cases[] = {
-        {127, 0, {0, 2896, 3444, 3811, 4095}},    {-128, 0, {0, 4, 128, 973, 4095}},
-        {0, 127, {0, 64, 2052, 4031, 4095}},      {0, -128, {0, 1782, 2047, 2312, 4095}},
-        {127, -128, {0, 2255, 2467, 2715, 4095}},
-    };
-    for (const auto &c : cases) {
-        table out = in; // in place
-        compute_brightness_contrast(c.brightness, c.contrast, out.data(), out.data(), 5);
-        std::vector<float> f(in.begin(), in.end());
-        compute_brightness_contrast_f(c.brightness, c.contrast, f.data(), 5);
-        for (size_t i = 0; i < in.size(); ++i) {
-            EXPECT_NEAR(out[i], c.expected[i], 1) << +c.brightness << ' ' << +c.contrast;
-            EXPECT_NEAR(f[i], c.expected[i], 5) << +c.brightness << ' ' << +c.contrast; // half is not rounded down
+    const table in = {0, 1, 100, 511, 512, 2000, 2047, 2048, 3000, 4094, 4095};
+    const auto n = static_cast<int32_t>(in.size());
+    uint64_t digests[2] = {};
+    for (int setting = -128; setting < 128; ++setting)
+        for (const auto &[b, c] : {std::pair{setting, 0}, {0, setting}, {setting, -1 - setting}}) {
+            table out = in; // in place
+            compute_brightness_contrast(static_cast<int8_t>(b), static_cast<int8_t>(c), out.data(), out.data(), n);
+            digests[0] = test::digest(out.data(), out.size() * sizeof out[0], digests[0]);
+            std::vector<float> f(in.begin(), in.end());
+            compute_brightness_contrast_f(static_cast<int8_t>(b), static_cast<int8_t>(c), f.data(), n);
+            digests[1] = test::digest(f.data(), f.size() * sizeof f[0], digests[1]);
+            if (b == 127 && c == 0) { // y = 4095 (x / 4095)^0.25
+                EXPECT_EQ(out[3], 2434);
+                EXPECT_NEAR(f[3], 2433.9f, 0.1f);
+            }
         }
-    }
+    EXPECT_EQ(digests[0], 0x20e153d2b9177d09u);
+    EXPECT_EQ(digests[1], 0xf3a823635e0dff3fu);
 }
 
 TEST(brightness_contrast, keeps_what_it_cannot_or_need_not_bend)
 {
-    table all(65535);
+    table all(70000); // more than 16 bits count
     std::iota(all.begin(), all.end(), uint16_t{1});
     for (const table &small : {table{}, table{0, 0}, table{0, 1, 1, 0}, all}) {
         const auto n = static_cast<int32_t>(small.size());
-        const int8_t b = n == 65535 ? 0 : -100;
+        const int8_t b = n == 70000 ? 0 : -100;
         table bent(small.size(), 7);
         compute_brightness_contrast(b, b, small.data(), bent.data(), n);
         EXPECT_EQ(bent, small);
@@ -141,7 +144,9 @@ TEST(white_balance, shares_the_shift_of_the_largest_integer_part)
     for (const auto &c : cases) {
         uint32_t shift = 99;
         words k = {};
-        compute_white_balance(c.gains.data(), &shift, &k[1], &k[0], &k[3], &k[2]);
+        const guarded<float> gains(4);
+        std::copy(c.gains.begin(), c.gains.end(), gains.begin());
+        compute_white_balance(gains.data(), &shift, &k[1], &k[0], &k[3], &k[2]);
         EXPECT_EQ(shift, c.shift) << c.gains[0];
         EXPECT_EQ(k, c.expected) << c.gains[0];
     }

@@ -8,7 +8,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "qz_isp/blob.h"
+#include "qz_isp/context.h"
 
 namespace test {
 
@@ -34,11 +34,10 @@ inline bytes record(uint16_t id, const bytes &payload, uint8_t version = 100)
     return made;
 }
 
-// A record of the 320 family: row count, then rows of 16-bit values.
-inline bytes short_rows(uint16_t id, uint16_t rows, std::initializer_list<uint16_t> values, uint8_t version = 100)
+// A record of 16-bit values: of the 320 family, most often a row count and rows.
+inline bytes shorts(uint16_t id, std::initializer_list<uint16_t> values, uint8_t version = 100)
 {
     bytes payload;
-    append(payload, rows);
     for (const uint16_t value : values)
         append(payload, value);
     return record(id, payload, version);
@@ -82,7 +81,7 @@ struct rule {
     double threshold;
 };
 
-inline bytes rules(std::initializer_list<rule> all)
+inline bytes rules(const std::vector<rule> &all)
 {
     bytes payload(4);
     append(payload, static_cast<uint32_t>(all.size()));
@@ -99,8 +98,10 @@ inline bytes rules(std::initializer_list<rule> all)
 // A container whose bytes live in a block of exactly their size.
 class container {
   public:
-    explicit container(std::initializer_list<bytes> records) : container(join(records), 0) {}
-    container(const bytes &records, int) : bytes_(join({header(), records})) { bytes_.shrink_to_fit(); }
+    explicit container(const bytes &records, const bytes &start = header()) : bytes_(join({start, records}))
+    {
+        bytes_.shrink_to_fit();
+    }
 
     const isp_blob *blob()
     {
@@ -111,6 +112,23 @@ class container {
   private:
     bytes bytes_;
     isp_blob blob_ = {};
+};
+
+// A bare context that isp_parse() has filled, with the container that it refers to.
+struct parsed {
+    container from;
+    isp_context context = {};
+    uint32_t status = 0;
+
+    explicit parsed(const bytes &records, const bytes &start = header()) : from(records, start)
+    {
+        status = isp_parse(from.blob(), &context);
+    }
+    ~parsed() { isp_parse_deinit(&context); }
+    parsed(const parsed &) = delete;
+    parsed &operator=(const parsed &) = delete;
+
+    const isp_tuning_set &set(int which, int index = 0) const { return context.tuning_sets[which][index]; }
 };
 
 } // namespace test

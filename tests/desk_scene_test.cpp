@@ -3,22 +3,16 @@
 
 #include <gtest/gtest.h>
 
-#include "error.h"
-#include "sample.h"
-#include "scene.h"
+#include "desk/scene/frame_choice.h"
+#include "desk_suite.h"
 
-using namespace qz::tool;
+using namespace qz::desk;
 
 namespace {
 
-std::string error_of(const std::string &text)
+std::string read_error(const std::string &text)
 {
-    try {
-        read_scene("s.json", text);
-    } catch (const file_error &error) {
-        return error.what();
-    }
-    return "";
+    return error_of([&] { read_scene("s.json", text); });
 }
 
 TEST(scene, a_frame_without_inputs_has_none)
@@ -84,26 +78,6 @@ TEST(scene, grids_and_curves_keep_their_order)
     EXPECT_FALSE(frame.lsc->grids[1]);
 }
 
-TEST(scene, the_sample_is_what_its_blocks_need)
-{
-    const scene read = read_scene("sample", sample_scene);
-    EXPECT_EQ(read.cmc->sensor_description->bit_depth, 10);
-    bool effect = false;
-    for (const frame_inputs &frame : read.frames) {
-        for (int row = 0; row < 3; ++row)
-            EXPECT_NEAR(frame.colour->ccm[3 * row] + frame.colour->ccm[3 * row + 1] + frame.colour->ccm[3 * row + 2],
-                        1.0f, 1e-6f);
-        EXPECT_GE(frame.gamma->point_count, 20u);
-        for (const curve &grid : frame.lsc->grids) {
-            ASSERT_EQ(grid->size(), size_t{17} * 13);
-            EXPECT_NEAR(grid->front(), 2.5f, 0.3f);
-            EXPECT_NEAR(grid->at(size_t{6} * 17 + 8), 1.0f, 0.01f);
-        }
-        effect = effect || frame.controls.effects != 0;
-    }
-    EXPECT_TRUE(effect);
-}
-
 TEST(scene, errors_name_the_field_what_was_found_and_what_was_expected)
 {
     const std::pair<const char *, const char *> cases[] = {
@@ -113,7 +87,10 @@ TEST(scene, errors_name_the_field_what_was_found_and_what_was_expected)
         {"{\"frames\": [\n {\"hue\": }]}", "s.json: line 2, column 10: syntax error while parsing value - unexpected "
                                            "'}'; expected '[', '{', or a literal"},
         {R"({"frames": [{"hue": 1, "hue": 2}]})",
-         "s.json: found the name \"hue\" twice in one object, expected it once"},
+         "s.json: frames[0]: found the name \"hue\" twice in one object, expected it once"},
+        {R"({"frames": [{}, {"colour": {"ccm": [1, {"x": 1, "x": 1}]}}]})",
+         "s.json: frames[1].colour.ccm[1]: found the name \"x\" twice"},
+        {R"({"frames": [1e400]})", "s.json: line 1, column 17: found 1e400, expected a number within double precision"},
         {R"({"frames": [{"hue": 128}]})", "s.json: frames[0].hue: found 128, expected an integer from -128 to 127"},
         {R"({"frames": [{}, {"nr_mode": "on"}]})",
          "s.json: frames[1].nr_mode: found \"on\", expected an integer from 0 to 4294967295"},
@@ -132,12 +109,31 @@ TEST(scene, errors_name_the_field_what_was_found_and_what_was_expected)
         {R"({"frames": [{"effects": ["sepia"]}]})",
          "s.json: frames[0].effects[0]: found \"sepia\", expected one of macc_1"},
     };
+    EXPECT_EQ(read_error(std::string("{\"frames\": [{}]}\n\0 more", 24)),
+              "s.json: line 2, column 1: found a byte 0, expected text");
+    const auto nested = [](const char *value) { return std::string(257, '[') + value + std::string(257, ']'); };
+    EXPECT_EQ(read_error(nested("")), "s.json: found a list of 1, expected an object");
+    EXPECT_EQ(read_error(nested("1")), "s.json: found values nested more than 256 deep, expected fewer levels");
     std::string deep;
     for (int i = 0; i < 100000; ++i)
         deep += "{\"a\":";
-    EXPECT_EQ(error_of(deep), "s.json: found values nested more than 256 deep, expected fewer levels");
+    EXPECT_EQ(read_error(deep), "s.json: found values nested more than 256 deep, expected fewer levels");
     for (const auto &[text, expected] : cases)
-        EXPECT_EQ(error_of(text).substr(0, std::string_view(expected).size()), expected) << text;
+        EXPECT_EQ(read_error(text).substr(0, std::string_view(expected).size()), expected) << text;
+}
+
+TEST(frame_choice, is_a_name_a_number_or_all)
+{
+    const scene read = read_scene("s.json", R"({"frames": [{"name": "a"}, {"name": "0"}, {"name": "a"}, {}]})");
+    const std::tuple<std::optional<std::string>, size_t, size_t> cases[] = {
+        {std::nullopt, 3, 4}, {"all", 0, 4}, {"a", 0, 1}, {"0", 1, 2}, {"1", 1, 2}, {"3", 3, 4}};
+    for (const auto &[choice, first, last] : cases) {
+        EXPECT_EQ(choose_frames(read, choice).first, first) << choice.value_or("none");
+        EXPECT_EQ(choose_frames(read, choice).last, last) << choice.value_or("none");
+    }
+    for (const char *wrong : {"4", "", "-1", "1x", "b", "99999999999999999999999"})
+        EXPECT_EQ(error_of([&] { choose_frames(read, wrong); }),
+                  "frame: found \"" + std::string(wrong) + "\", expected 0 to 3, a frame's name, or all");
 }
 
 } // namespace

@@ -5,25 +5,12 @@
 
 #include <gtest/gtest.h>
 
-#include "error.h"
-#include "program.h"
-#include "sweep_columns.h"
-#include "sweep_ranges.h"
+#include "desk/sweep/plan.h"
+#include "desk_suite.h"
 
-using namespace qz::tool;
+using namespace qz::desk;
 
 namespace {
-
-class sweep : public program_test {
-  protected:
-    std::string rows(const std::string &arguments) const
-    {
-        const result made = run("sweep " + arguments);
-        EXPECT_EQ(made.code, 0) << made.err;
-        EXPECT_FALSE(contains(made.err, "\r")) << "progress without a terminal";
-        return made.out;
-    }
-};
 
 std::vector<double> values_of(const std::string &option)
 {
@@ -64,21 +51,10 @@ TEST(sweep_ranges, the_last_range_runs_fastest_and_missing_records_are_made)
     EXPECT_FALSE(inputs.colour || inputs.scene);
 }
 
-template <typename Action>
-std::string error_of(Action action)
-{
-    try {
-        action();
-    } catch (const usage_error &error) {
-        return error.what();
-    }
-    return "no error";
-}
-
 TEST(sweep_ranges, say_what_is_wrong_with_them)
 {
     const std::pair<std::vector<std::string>, const char *> cases[] = {
-        {{"gain"}, "--over gain: found no \"=\", expected NAME=FIRST..LAST:STEP or NAME=VALUE,VALUE"},
+        {{"gain"}, "over gain: found no \"=\", expected NAME=FIRST..LAST:STEP or NAME=VALUE,VALUE"},
         {{"gian=1"}, "found the name \"gian\", expected one of gain, effects, "},
         {{"gian=1"}, ", colour.ccm[0] to colour.ccm[8], "},
         {{"colour.ccm=1"}, "found the name \"colour.ccm\""},
@@ -130,77 +106,60 @@ TEST(sweep_columns, are_named_as_they_were_asked_for)
     }
 }
 
-// The sum of a dump's little-endian words, which the column "checksum" states.
-uint32_t word_sum(const std::string &bytes)
+TEST(sweep_shards, are_the_whole_in_parts_that_differ_by_a_row)
 {
-    uint32_t sum = 0;
-    for (size_t i = 0; i < bytes.size(); ++i)
-        sum += static_cast<uint32_t>(static_cast<uint8_t>(bytes[i])) << 8 * (i % 4);
-    return sum;
+    for (const uint64_t rows : {0u, 1u, 7u, 8u, 9u, 4000000000u}) {
+        uint64_t end = 0;
+        for (int i = 1; i <= 8; ++i) {
+            const auto [first, last, leads] = shard_rows(std::to_string(i) + "/8", rows);
+            EXPECT_EQ(first, end);
+            EXPECT_TRUE(last - first == rows / 8 || (rows % 8 != 0 && last - first == rows / 8 + 1)) << rows;
+            EXPECT_EQ(leads, i == 1);
+            end = last;
+        }
+        EXPECT_EQ(end, rows);
+        EXPECT_TRUE(shard_rows(std::nullopt, rows).leads);
+        EXPECT_EQ(shard_rows(std::nullopt, rows).last, rows);
+    }
+    for (const std::string wrong : {"0/2", "3/2", "1", "/", "1/", "1/2x", "", "x/2", "-1/2"})
+        EXPECT_EQ(error_of([&] { shard_rows(wrong, 5); }),
+                  "shard: found \"" + wrong + "\", expected I/N, shard I of N with I from 1 to N");
 }
 
 // The tuning record without rows leaves what the block held, so that a row would show the one before it.
-TEST_F(sweep, rows_are_what_a_context_of_their_own_gives)
+TEST(sweep_plan, rows_are_what_a_context_of_their_own_gives)
 {
-    write("t.json", R"({"records": [{"slot": "temporal_noise_reduction", "family": 320, "set": 0, "rows": []},
-                                    {"slot": "xnr", "family": 320, "set": 0, "rows": [[256, 10], [1024, 40]]}]})");
-    std::string expected = "nr_mode,gain,block5.param[0],xnr.param,bytes_used,checksum\n";
-    for (const auto &[mode, gain, words] :
-         {std::tuple("0", "1", ",65535,0,"), {"0", "2.5", ",65535,0,"}, {"1", "1", ",0,10,"}, {"1", "2.5", ",0,25,"}}) {
-        write("s.json",
-              std::string(R"({"frames": [{"nr_mode": )") + mode + R"(, "exposure": {"analog_gain": )" + gain + "}}]}");
-        const std::string dump = run("run --tuning t.json --scene s.json --raw -").out;
-        expected += std::string(mode) + "," + gain + words + "4928," + std::to_string(word_sum(dump)) + "\n";
+    const byte_buffer container =
+        pack_container("t", R"({"records": [{"slot": "temporal_noise_reduction", "family": 320, "set": 0, "rows": []},
+                             {"slot": "xnr", "family": 320, "set": 0, "rows": [[256, 10], [1024, 40]]}]})");
+    scene setup = read_scene("s", R"({"frames": [{"nr_mode": 2}, {"lsc": {"width": 1, "height": 1, "enable": 1,
+                                                                     "grid": [null, null, null, null]}}]})");
+    const sweep_plan plan({{"nr_mode=0,1", "gain=1..2.5:1.5", "lsc.enable=0"},
+                           "block5.param[0],xnr.param,bytes_used,checksum,block28.columns,gamma_0.table256",
+                           {},
+                           "2/2"},
+                          setup);
+    isp_session session(container, "t", setup);
+    EXPECT_EQ(plan.rows().first, 2u);
+    EXPECT_EQ(plan.rows().last, 4u);
+    const int64_t expected[][2] = {{65535, 0}, {65535, 0}, {0, 10}, {0, 25}};
+    for (const uint64_t row : {0u, 2u, 3u, 1u}) {
+        const record_snapshot snapshot = plan.compute(row, session);
+        EXPECT_EQ(setup.frames[1].controls.nr_mode, row / 2);
+        const record_snapshot alone = isp_session(container, "t", setup).run(setup.frames[1]);
+        EXPECT_EQ(std::memcmp(&snapshot.record, &alone.record, sizeof alone.record), 0) << row;
+        uint32_t sum = 0;
+        for (size_t i = 0; i < snapshot.bytes_used; ++i)
+            sum += static_cast<uint32_t>(reinterpret_cast<const uint8_t *>(&snapshot.record)[i]) << 8 * (i % 4);
+        const std::optional<int64_t> values[] = {expected[row][0], expected[row][1], AIC_FIXED_SIZE, sum,
+                                                 std::nullopt,     std::nullopt};
+        for (size_t i = 0; i < std::size(values); ++i)
+            EXPECT_EQ(column_value(plan.columns()[i], snapshot), values[i]) << row << " " << i;
     }
-    EXPECT_EQ(rows("--tuning t.json --scene s.json --over nr_mode=0,1 --over gain=1..2.5:1.5 --fields "
-                   "block5.param[0],xnr.param,bytes_used,checksum"),
-              expected);
-}
-
-TEST_F(sweep, shards_in_order_are_the_whole)
-{
-    const std::string arguments = "--frame preview --over gain=1..2:0.5 --over lsc.enable=0,1 --over nr_mode=0..2 ";
-    const std::string whole = rows(arguments);
-    std::string parts;
-    for (const char *shard : {"1/4", "2/4", "3/4", "4/4"})
-        parts += rows(arguments + "--shard " + shard);
-    EXPECT_EQ(parts, whole);
-    EXPECT_EQ(std::count(whole.begin(), whole.end(), '\n'), 1 + 3 * 2 * 3);
-    EXPECT_EQ(rows(arguments + "--no-header --output file"), "");
-    EXPECT_EQ(text_of("file"), whole.substr(whole.find('\n') + 1));
-}
-
-TEST_F(sweep, json_lines_show_what_a_record_lacks_as_null)
-{
-    EXPECT_EQ(
-        rows("--format jsonl --over lsc.enable=0,1 --over gamma_257=0,1 --fields block28.columns,gamma_0.table256"),
-        "{\"lsc.enable\":0,\"gamma_257\":0,\"block28.columns\":null,\"gamma_0.table256\":null}\n"
-        "{\"lsc.enable\":0,\"gamma_257\":1,\"block28.columns\":null,\"gamma_0.table256\":4095}\n"
-        "{\"lsc.enable\":1,\"gamma_257\":0,\"block28.columns\":27,\"gamma_0.table256\":null}\n"
-        "{\"lsc.enable\":1,\"gamma_257\":1,\"block28.columns\":27,\"gamma_0.table256\":4095}\n");
-}
-
-TEST_F(sweep, ends_with_a_code_for_what_happened)
-{
-    const std::string values = "sweep --over sharpness=-128..127 --over hue=-20..20 --fields block13.* ";
-    const std::tuple<std::string, int, const char *> cases[] = {
-        {"sweep", 2, "--over is required"},
-        {values + "--format json", 2, "--format: json not in {csv,jsonl}"},
-        {values + "--format jsonl --no-header", 2, "--no-header: found JSON lines, expected CSV"},
-        {values + "--shard 0/2", 2, "--shard: found \"0/2\", expected I/N"},
-        {values + "--shard 3/2", 2, "--shard: found \"3/2\""},
-        {values + "--frame all", 2, "--frame: found 4 frames, expected one for a sweep"},
-        {values + "--output /dev/full", 1, "qz-isp: /dev/full: cannot be written: No space left"},
-    };
-    for (const auto &[arguments, code, error] : cases) {
-        const result made = run(arguments);
-        EXPECT_EQ(made.code, code) << arguments;
-        EXPECT_TRUE(contains(made.err, error)) << arguments << "\n" << made.err;
-    }
-    const result head = run(values + "2> errors; echo $? > code; } | head -n 1", "{");
-    EXPECT_EQ(head.out, "sharpness,hue,block13.param[0],block13.param[1],block13.param[2]\n");
-    EXPECT_EQ(text_of("code"), "141\n");
-    EXPECT_FALSE(contains(text_of("errors"), "qz-isp:"));
+    EXPECT_EQ(error_of([&] {
+                  sweep_plan({{"gain=1"}, {}, "all", {}}, setup);
+              }),
+              "frame: found 2 frames, expected one for a sweep");
 }
 
 } // namespace

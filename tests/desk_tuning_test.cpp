@@ -7,11 +7,12 @@
 
 #include <gtest/gtest.h>
 
-#include "error.h"
-#include "sample.h"
-#include "tuning_source.h"
+#include "desk/base/json_node.h"
+#include "desk/tuning/pack.h"
+#include "desk/tuning/to_json.h"
+#include "desk_suite.h"
 
-using namespace qz::tool;
+using namespace qz::desk;
 
 namespace {
 
@@ -116,7 +117,7 @@ TEST(tuning_source, header_bytes_and_fragments_survive)
 
 TEST(tuning_source, any_damage_survives_the_round_trip)
 {
-    const byte_buffer sample = pack_container("sample", sample_tuning);
+    const byte_buffer sample = pack_container("sample", qz::tool::sample_tuning);
     ASSERT_EQ(repacked(sample), hex_text(sample));
     std::mt19937 random(7); // NOLINT(*-msc51-cpp): the same cases every time
     for (int round = 0; round < 24; ++round) {
@@ -209,7 +210,7 @@ TEST(tuning_source, dropped_and_skipped_records_are_no_problem)
 
 TEST(sample, has_every_record_kind_of_every_family_and_nothing_wrong)
 {
-    const byte_buffer bytes = pack_container("sample", sample_tuning);
+    const byte_buffer bytes = pack_container("sample", qz::tool::sample_tuning);
     const tuning_container container = read_container("sample", bytes);
     EXPECT_TRUE(container.problems.empty());
 

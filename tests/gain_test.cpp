@@ -45,21 +45,4 @@ TEST(gain, rows_are_bracketed_in_any_order_and_never_extrapolated)
     EXPECT_EQ(out, 80u);
 }
 
-TEST(gain, empty_tables_and_rows_write_nothing)
-{
-    const int32_t table[] = {256, 1};
-    uint32_t out = 99;
-    for (const auto &[values, rows] : {std::pair{1, 0}, {1, -1}, {0, 1}, {-3, 1}})
-        compute_generic_params(256, table, values, rows, &out);
-    EXPECT_EQ(out, 99u);
-}
-
-TEST(gain, significant_bits)
-{
-    const std::pair<uint32_t, uint32_t> expected[] = {{0, 0},   {1, 1},   {2, 2},          {3, 2},
-                                                      {255, 8}, {256, 9}, {0x80000000, 32}};
-    for (const auto &[value, bits] : expected)
-        EXPECT_EQ(calc_shifter(value), bits);
-}
-
 } // namespace

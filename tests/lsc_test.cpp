@@ -59,6 +59,7 @@ TEST(lsc, derives_the_grid_from_frame_and_sensor)
         {1920, 1080, {{{}, 1920, 1080}, 1, 2, 3, 4}, {31, 18, 960, 810, 32}},
         {640, 480, {{{}, 640, 480}, 2, 3, 255, 1}, {21, 16, 426, 56864, 16}}, // 122400 - 65536
         {2000, 2000, {{{}, 129, 128}, 1, 1, 1, 1}, {3, 2, 129, 128, 64}},
+        {65535, 65535, {{{}, 129, 128}, 1, 1, 1, 1}, {3, 2, 129, 128, 64}}, // more than 2^31 pixels
         {1999, 2000, {{{}, 65, 64}, 1, 1, 1, 1}, {3, 2, 65, 64, 32}},
         {1000, 1000, {{{}, 1, 2}, 1, 1, 1, 1}, {2, 2, 1, 2, 32}},
         {999, 1001, {{{}, 33, 32}, 1, 1, 1, 1}, {3, 2, 33, 32, 16}},
@@ -118,6 +119,7 @@ TEST(lsc, applies_each_channels_factor_in_the_tables_format)
 {
     constexpr float factors[] = {1.25f, 1.0f, 0.33325f, 20.0f};
     constexpr float wild[] = {NAN, -1.0f, 1e9f, -INFINITY};
+    constexpr float large[] = {3e6f, 1e6f, 1.0f, 1.0f}; // products on either side of 2^31
     struct {
         uint32_t format;
         const float *factors;
@@ -129,6 +131,9 @@ TEST(lsc, applies_each_channels_factor_in_the_tables_format)
         {10, factors, {1280, 2048, 1023, 81920 - 65536}},
         {9, factors, {1024, 2048, 3072, 4096}},
         {8, wild, {0, 0, 65535, 0}},
+        {10, wild, {0, 65536 - 2048, 65535, 0}},
+        {8, large, {49152, 32768, 768, 1024}},
+        {10, large, {65535, 0, 3072, 4096}},
     };
     for (const auto &c : cases) {
         scene s(5, 4, c.format);
@@ -157,7 +162,7 @@ TEST(lsc, averages_only_grids_larger_both_ways)
     }
 }
 
-TEST(lsc, converts_what_a_table_holds_that_was_not_resampled)
+TEST(lsc, keeps_a_table_whose_resampling_runs_out_of_memory)
 {
     const long live = faults::live_blocks();
     for (long failing = faults::never; failing < 4; ++failing) {
@@ -169,8 +174,22 @@ TEST(lsc, converts_what_a_table_holds_that_was_not_resampled)
         EXPECT_EQ(s.enable, 1);
         EXPECT_EQ(faults::live_blocks(), live);
         for (size_t i = 0; i < tables.size(); ++i)
-            ASSERT_EQ(tables[i], static_cast<long>(i / entries) == failing ? 250 : 256 * (1 + i / entries));
+            ASSERT_EQ(tables[i], static_cast<long>(i / entries) == failing ? 1000 : 256 * (1 + i / entries));
     }
+}
+
+TEST(lsc, keeps_tables_whose_resampling_is_refused)
+{
+    scene s(10, 10, 8);
+    s.frame.size.width = s.frame.size.height = 32; // 2 x 2 entries, too few for an average
+    const guarded<uint16_t> tables(4 * 4, 1000);
+    const float factors[] = {2.0f, 2.0f, 2.0f, 2.0f};
+    EXPECT_EQ(s.run(tables.data(), factors), 0u);
+    EXPECT_EQ(s.enable, 1);
+    EXPECT_EQ(s.block.columns * s.block.rows, 4u);
+    EXPECT_EQ(s.next_free, reinterpret_cast<uintptr_t>(tables.end()));
+    for (const uint16_t entry : tables)
+        EXPECT_EQ(entry, 1000);
 }
 
 } // namespace

@@ -70,15 +70,15 @@ TEST(transpose_m, moves_every_element_and_nothing_else_in_every_layout)
             }
 }
 
-TEST(transpose_m, writes_nothing_without_rows_or_columns_and_in_order_where_targets_share_an_address)
+TEST(transpose_m, writes_in_order_where_elements_share_an_address)
 {
     const floats source = {1, 2, 3, 4, 5, 6};
-    floats target(3, 7.0f);
-    for (const auto &[columns, rows] : {std::array{2, 0}, {2, -1}, {0, 2}, {-1, 2}})
-        EXPECT_EQ(transpose_m(source.data(), 8, 4, columns, rows, target.data(), 8, 4), 0u);
-    EXPECT_EQ(target, floats(3, 7.0f));
-    transpose_m(source.data(), 12, 4, 3, 2, target.data(), 4, 0);
-    EXPECT_EQ(target, (floats{4, 5, 6}));
+    constexpr std::pair<int32_t, std::array<float, 4>> cases[] = {{0, {4, 5, 6, 7}}, {4, {1, 4, 5, 6}}};
+    for (const auto &[column_stride, expected] : cases) {
+        std::array<float, 4> target = {7, 7, 7, 7};
+        transpose_m(source.data(), 12, 4, 3, 2, target.data(), 4, column_stride);
+        EXPECT_EQ(target, expected);
+    }
     floats in_place = {1, 2, 3, 4};
     transpose_m(in_place.data(), 8, 4, 2, 2, in_place.data(), 8, 4);
     EXPECT_EQ(in_place, (floats{1, 2, 2, 4}));
@@ -139,19 +139,21 @@ TEST(mul_mm, every_shape_and_layout_gives_the_bits_of_outer_products)
 
 TEST(lu_decomposition_m, factors_worked_by_hand)
 {
-    constexpr struct {
-        int32_t row_stride, column_stride, out_row_stride;
-        std::array<float, 4> factors;
-    } cases[] = {{8, 4, 8, {4, 3, 1.5, -1.5}},
-                 {4, 8, 8, {4, 6, 0.75, -1.5}}, // of the transpose
-                 {4, 4, 8, {4, 3, 0.75, 3.75}}, // of 4 3, 3 6
-                 {8, 4, 0, {1.5, -1.5, 6, 3}}}; // rows of factors that share their place
+    const struct {
+        int32_t n, row_stride, column_stride, out_row_stride;
+        floats a, factors;
+    } cases[] = {{2, 8, 4, 8, {4, 3, 6, 3}, {4, 3, 1.5, -1.5}},
+                 {2, 4, 8, 8, {4, 3, 6, 3}, {4, 6, 0.75, -1.5}}, // of the transpose
+                 {2, 4, 4, 8, {4, 3, 6, 3}, {4, 3, 0.75, 3.75}}, // of 4 3, 3 6
+                 {2, 8, 4, 0, {4, 3, 6, 3}, {1.5, -1.5, 6, 3}},  // rows of factors that share their place
+                 // Elements that share a place are worked on once for each.
+                 {3, 4, 4, 12, {1, 2, 3, 4, 5, 0, 0, 0, 0}, {1, 2, 3, 2, -1, -8, 3, 8, 60}}};
     for (const auto &c : cases) {
-        std::array<float, 4> a = {4, 3, 6, 3};
-        std::array<uint32_t, 2> index = {7, 7};
-        EXPECT_EQ(
-            lu_decomposition_m(a.data(), c.row_stride, c.column_stride, index.data(), a.data(), c.out_row_stride, 4, 2),
-            0u);
+        floats a = c.a;
+        std::array<uint32_t, 3> index = {7, 7, 7};
+        EXPECT_EQ(lu_decomposition_m(a.data(), c.row_stride, c.column_stride, index.data(), a.data(), c.out_row_stride,
+                                     4, c.n),
+                  0u);
         EXPECT_EQ(a, c.factors); // in place
     }
 }

@@ -7,14 +7,12 @@
 
 #include <gtest/gtest.h>
 
-#include "guarded.h"
 #include "qz_isp/nearest.h"
+#include "resizing.h"
 
 namespace {
 
-struct size {
-    int32_t width, height;
-};
+using test::size;
 
 uint32_t scale(const uint32_t *src, size from, uint32_t *dst, size to)
 {
@@ -76,32 +74,23 @@ TEST(ceiling_rule, picks_columns)
         }
 }
 
-constexpr size sizes[] = {{2, 2}, {3, 5}, {4, 4}, {21, 3}, {27, 21}, {64, 48}, {100, 7}, {3001, 6}, {9000, 2}};
-
-template <typename T, typename Expected>
-void expect_picked(Expected expected)
-{
-    std::mt19937 random(3);
-    for (const size &from : sizes)
-        for (const size &to : sizes) {
-            const guarded<T> src(static_cast<size_t>(from.width * from.height));
-            std::generate(src.begin(), src.end(), [&] { return static_cast<T>(random()); });
-            const guarded<T> dst(static_cast<size_t>(to.width * to.height), 1);
-            ASSERT_EQ(scale(src.data(), from, dst.data(), to), 0u);
-            size_t differ = 0;
-            for (int32_t r = 0, i = 0; r < to.height; ++r)
-                for (int32_t c = 0; c < to.width; ++c, ++i)
-                    differ += dst[static_cast<size_t>(i)] !=
-                              src[static_cast<size_t>(expected(r, from.height, to.height) * from.width +
-                                                      expected(c, from.width, to.width))];
-            EXPECT_EQ(differ, 0u) << from.width << 'x' << from.height << "->" << to.width << 'x' << to.height;
-        }
-}
-
 // The ceiling rule without fractions, at sizes whose ratios do not round across a whole number.
 int32_t whole_ceiling(int32_t k, int32_t n, int32_t m)
 {
     return static_cast<int32_t>((static_cast<int64_t>(k + 1) * n + m - 1) / m) - 1;
+}
+
+template <typename T, typename Index>
+void expect_picked(Index index)
+{
+    const std::vector<size> sizes = {{2, 2},   {3, 5},   {4, 4},    {21, 3},  {27, 21},
+                                     {64, 48}, {100, 7}, {3001, 6}, {9000, 2}};
+    test::expect_resizes<T>(
+        [](const T *src, size from, T *dst, size to) { return scale(src, from, dst, to); },
+        [index](const T *src, size from, size to, int32_t row, int32_t column) {
+            return src[index(row, from.height, to.height) * from.width + index(column, from.width, to.width)];
+        },
+        sizes, sizes);
 }
 
 TEST(picking, takes_rows_and_columns_at_every_ratio)
@@ -144,28 +133,22 @@ TEST(block_maximum, tiles_the_source)
         }
 }
 
-template <typename T, typename... Mode>
-void expect_refused(int bad, int32_t value, Mode... mode)
-{
-    int32_t s[4] = {2, 2, 2, 2};
-    s[bad] = value;
-    const std::vector<T> src(4, 1);
-    std::vector<T> dst(4, 9);
-    EXPECT_EQ(scale(src.data(), {s[0], s[1]}, dst.data(), {s[2], s[3]}, mode...), 32u) << bad << ' ' << value;
-    EXPECT_EQ(dst, std::vector<T>(4, 9));
-}
-
 TEST(nearest_neighbour, refuses_bad_sizes_and_writes_nothing)
 {
-    for (int bad = 0; bad < 4; ++bad) {
-        for (const int32_t value : {1, 0}) {
-            expect_refused<uint16_t>(bad, value);
-            expect_refused<int32_t>(bad, value);
-            expect_refused<int32_t>(bad, value, uint8_t{1});
+    const auto call = [](auto *src, size from, auto *dst, size to) { return scale(src, from, dst, to); };
+    const auto maximum = [](const int32_t *src, size from, int32_t *dst, size to) {
+        return scale(src, from, dst, to, 1);
+    };
+    for (int bad = 0; bad < 4; ++bad)
+        for (const int32_t value : {1, 0, -1}) {
+            if (value >= 0) {
+                test::expect_refused<uint16_t>(call, bad, value);
+                test::expect_refused<int32_t>(call, bad, value);
+                test::expect_refused<int32_t>(maximum, bad, value);
+            }
+            if (value <= 0)
+                test::expect_refused<uint32_t>(call, bad, value);
         }
-        expect_refused<uint32_t>(bad, 0);
-        expect_refused<uint32_t>(bad, -1);
-    }
     uint32_t word = 9;
     EXPECT_EQ(scale(nullptr, {2, 2}, &word, {2, 2}), 32u);
     EXPECT_EQ(scale(&word, {2, 2}, nullptr, {2, 2}), 32u);

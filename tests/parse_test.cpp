@@ -1,29 +1,16 @@
-#include <random>
+#include <algorithm>
+#include <string>
 
 #include <gtest/gtest.h>
 
 #include "container_builder.h"
-#include "qz_isp/context.h"
 #include "qz_isp/error.h"
 #include "qz_mkn.h"
 
 namespace {
 
 using test::bytes;
-using test::container;
-
-// A bare context that isp_parse() fills.
-struct parsed {
-    isp_context context = {};
-    uint32_t status;
-
-    explicit parsed(const isp_blob *blob) : status(isp_parse(blob, &context)) {}
-    ~parsed() { isp_parse_deinit(&context); }
-    parsed(const parsed &) = delete;
-    parsed &operator=(const parsed &) = delete;
-
-    const isp_tuning_set &set(int which, int index = 0) const { return context.tuning_sets[which][index]; }
-};
+using test::parsed;
 
 // The record address in slot k of a set.
 const uint8_t *slot(const isp_tuning_set &set, size_t k)
@@ -33,61 +20,88 @@ const uint8_t *slot(const isp_tuning_set &set, size_t k)
     return address;
 }
 
-TEST(parse, files_every_kind_in_its_slot_and_set)
+// The u16 at byte 8 or the i32 at byte 16 of a record.
+int32_t row_count(const void *record, bool is_long)
 {
-    struct expectation {
-        uint16_t offset;
-        size_t slot;
-        size_t payload; // 0: none
-    };
-    const std::vector<expectation> short_kinds = {
-        {1, 0, 24},   {2, 2, 0},    {3, 3, 0},   {5, 4, 10},  {6, 6, 10},   {7, 8, 10},   {8, 10, 10}, {9, 12, 10},
-        {10, 14, 10}, {11, 18, 10}, {12, 21, 0}, {13, 22, 0}, {14, 23, 10}, {15, 25, 10}, {16, 27, 0}, {20, 48, 20}};
-    const std::vector<expectation> long_kinds = {{1, 0, 24},   {2, 2, 0},    {3, 30, 20}, {4, 34, 20},  {5, 32, 20},
-                                                 {6, 36, 20},  {7, 38, 20},  {10, 4, 10}, {11, 46, 20}, {12, 44, 20},
-                                                 {13, 40, 20}, {14, 42, 20}, {15, 22, 0}, {16, 27, 0}};
+    int32_t value = 0;
+    std::memcpy(&value, static_cast<const uint8_t *>(record) + (is_long ? 16 : 8), is_long ? 4 : 2);
+    return value;
+}
+
+std::string limited(int id, long long claimed, int fit)
+{
+    return "qz[0] tuning record " + std::to_string(id) + ": " + std::to_string(claimed) + " rows claimed, " +
+           std::to_string(fit) + " fit\n";
+}
+
+// The kinds of records once more, apart from the library's own list: what a container holds stays as it is.
+struct kind {
+    uint16_t offset;
+    size_t slot, data_slot; // data_slot 0: none
+    size_t data_at, row_size;
+};
+
+const std::vector<kind> short_kinds = {
+    {1, 0, 1, 24, 0},     {2, 2, 0, 0, 0},    {3, 3, 0, 0, 0},     {5, 4, 5, 10, 132},   {6, 6, 7, 10, 6},
+    {7, 8, 9, 10, 12},    {8, 10, 11, 10, 8}, {9, 12, 13, 10, 10}, {10, 14, 15, 10, 18}, {11, 18, 19, 10, 10},
+    {12, 21, 0, 0, 0},    {13, 22, 0, 0, 0},  {14, 23, 24, 10, 8}, {15, 25, 26, 10, 4},  {16, 27, 0, 0, 0},
+    {18, 18, 20, 10, 18}, {20, 48, 49, 20, 0}};
+const std::vector<kind> long_kinds = {
+    {1, 0, 1, 24, 0},      {2, 2, 0, 0, 0},      {3, 30, 31, 20, 16}, {4, 34, 35, 20, 0},   {5, 32, 33, 20, 592},
+    {6, 36, 37, 20, 1184}, {7, 38, 39, 20, 252}, {10, 4, 5, 10, 132}, {11, 46, 47, 20, 60}, {12, 44, 45, 20, 392},
+    {13, 40, 41, 20, 28},  {14, 42, 43, 20, 0},  {15, 22, 0, 0, 0},   {16, 27, 0, 0, 0}};
+
+TEST(parse, files_every_kind_in_its_slot_and_set_with_the_rows_that_it_holds)
+{
     const int set_of_group[] = {0, 2, 1};
-    for (const uint16_t base : std::initializer_list<uint16_t>{320, 768, 1536}) {
-        for (uint16_t group = 0; group < 3; ++group) {
-            for (const auto &[offset, k, payload] : base == 320 ? short_kinds : long_kinds) {
-                const auto id = static_cast<uint16_t>(base + 64 * group + offset);
-                SCOPED_TRACE(id);
-                container one({test::record(id, bytes(40, 0))});
-                const parsed result(one.blob());
-                ASSERT_EQ(result.status, ISP_SUCCESS);
-                const bool dropped = base == 1536 && (offset == 4 || offset == 14);
-                for (int which = 0; which < 3; ++which) {
-                    const isp_tuning_set &set = result.set(which);
-                    const bool here = !dropped && which == set_of_group[group];
-                    ASSERT_EQ(slot(set, k) != nullptr, here);
-                    if (here && payload != 0) {
-                        EXPECT_EQ(slot(set, k + 1), slot(set, k) + payload);
+    for (const uint16_t base : std::initializer_list<uint16_t>{320, 768, 1536})
+        for (uint16_t group = 0; group < 3; ++group)
+            for (const auto &[offset, k, data_slot, data_at, row_size] : base == 320 ? short_kinds : long_kinds)
+                for (const bool one_claimed_too_many : {false, true}) { // and a byte short of it
+                    const auto id = static_cast<uint16_t>(base + 64 * group + offset);
+                    SCOPED_TRACE(id);
+                    const bool is_long = data_at == 20;
+                    bytes payload(data_at > 8 ? data_at - 8 : 0);
+                    payload.resize(payload.size() + 2 * row_size +
+                                   (one_claimed_too_many && row_size > 0 ? row_size - 1 : 0));
+                    if (row_size > 0)
+                        payload[is_long ? 8 : 0] = one_claimed_too_many ? 3 : 2;
+                    testing::internal::CaptureStderr();
+                    const parsed result(test::record(id, payload.empty() ? bytes(1) : payload));
+                    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+                              one_claimed_too_many && row_size > 0 ? limited(id, 3, 2) : "");
+                    ASSERT_EQ(result.status, ISP_SUCCESS);
+                    const bool dropped = base == 1536 && (offset == 4 || offset == 14);
+                    for (int which = 0; which < 3; ++which) {
+                        const isp_tuning_set &set = result.set(which);
+                        const bool here = !dropped && which == set_of_group[group];
+                        ASSERT_EQ(slot(set, k) != nullptr, here);
+                        if (here && data_slot != 0) {
+                            EXPECT_EQ(slot(set, data_slot), slot(set, k) + data_at);
+                        }
+                        if (here && row_size != 0) {
+                            EXPECT_EQ(row_count(slot(set, k), is_long), 2);
+                        }
                     }
                 }
-            }
-        }
-    }
 }
 
 TEST(parse, refuses_or_drops_what_has_no_slot)
 {
-    container empty({});
+    test::container empty({});
     EXPECT_EQ(isp_parse(empty.blob(), nullptr), ISP_INVALID_ARGUMENT);
-    EXPECT_EQ(parsed(nullptr).status, ISP_INVALID_ARGUMENT);
-    const bytes other = test::header("VUXC");
-    const isp_blob blob = {other.data(), QZ_MKN_HEADER_SIZE};
-    EXPECT_EQ(parsed(&blob).status, ISP_INVALID_ARGUMENT);
-    for (const uint16_t offset : std::initializer_list<uint16_t>{0, 19, 21, 63}) {
-        container one({test::record(static_cast<uint16_t>(320 + offset), bytes(8))});
-        const parsed result(one.blob());
+    isp_context context = {};
+    EXPECT_EQ(isp_parse(nullptr, &context), ISP_INVALID_ARGUMENT);
+    EXPECT_EQ(parsed({}, test::header("VUXC")).status, ISP_INVALID_ARGUMENT);
+    for (const uint16_t offset : std::initializer_list<uint16_t>{0, 19, 21, 63, 64, 128}) {
+        const parsed result(test::record(static_cast<uint16_t>(320 + offset), bytes(8)));
         EXPECT_EQ(result.status, ISP_INVALID_DATA) << offset;
         EXPECT_EQ(result.context.set_count, 0);
         EXPECT_EQ(result.context.tuning_sets[0], nullptr);
     }
     for (const uint16_t id : std::initializer_list<uint16_t>{324, 337, 768, 776, 777, 785, 831, 1540, 1550, 0, 319, 512,
                                                              960, 1728, 64512}) {
-        container one({test::record(id, bytes(8))});
-        const parsed result(one.blob());
+        const parsed result(test::record(id, bytes(9))); // 64512 is no set container: what it holds is not looked at
         EXPECT_EQ(result.status, ISP_SUCCESS) << id;
         for (size_t k = 0; k < 50; ++k)
             EXPECT_EQ(slot(result.set(0), k), nullptr) << id;
@@ -96,108 +110,111 @@ TEST(parse, refuses_or_drops_what_has_no_slot)
 
 TEST(parse, later_records_replace_earlier_ones_in_both_chroma_encodings)
 {
-    container one(
-        {test::short_rows(331, 1, {256, 1, 2, 3, 4}), test::short_rows(338, 1, {256, 1, 2, 3, 4, 5, 6, 7, 8})});
-    const parsed alt(one.blob());
-    EXPECT_EQ(alt.set(0).chroma_nr.record->id, 338);
-    EXPECT_EQ(alt.set(0).chroma_nr.data, nullptr);
-    EXPECT_EQ(alt.set(0).chroma_nr.data_alt, reinterpret_cast<uint8_t *>(alt.set(0).chroma_nr.record) + 10);
-
-    container two(
-        {test::short_rows(338, 1, {256, 1, 2, 3, 4, 5, 6, 7, 8}), test::short_rows(331, 1, {256, 1, 2, 3, 4})});
-    const parsed plain(two.blob());
-    EXPECT_EQ(plain.set(0).chroma_nr.record->id, 331);
-    EXPECT_NE(plain.set(0).chroma_nr.data, nullptr);
-    EXPECT_EQ(plain.set(0).chroma_nr.data_alt, nullptr);
+    for (const bool wide_first : {false, true}) {
+        const bytes narrow = test::shorts(331, {1, 256, 1, 2, 3, 4});
+        const bytes wide = test::shorts(338, {1, 256, 1, 2, 3, 4, 5, 6, 7, 8});
+        const parsed result(wide_first ? test::join({wide, narrow}) : test::join({narrow, wide}));
+        const isp_chroma_nr_slot &chroma = result.set(0).chroma_nr;
+        const auto *rows = reinterpret_cast<const uint8_t *>(chroma.record) + 10;
+        EXPECT_EQ(chroma.record->id, wide_first ? 331 : 338);
+        EXPECT_EQ(chroma.data, wide_first ? rows : nullptr);
+        EXPECT_EQ(chroma.data_alt, wide_first ? nullptr : rows);
+    }
 }
 
 TEST(parse, fringe_control_takes_what_its_version_has_and_its_bytes_hold)
 {
     struct expectation {
         uint8_t version;
-        size_t bytes_behind_rows;
+        size_t rows, bytes_behind_rows;
         uintptr_t count2;
         bool extra;
     };
-    // One row of nine values, then the exponent 7 and one row of the second table.
-    for (const auto &[version, behind, count2, extra] : {expectation{100, 10, 1, false},
-                                                         {101, 10, 7, false},
-                                                         {102, 10, 7, true},
-                                                         {103, 10, 7, true},
-                                                         {102, 9, 7, false},
-                                                         {102, 2, 7, false},
-                                                         {102, 1, 1, false},
-                                                         {101, 0, 1, false}}) {
-        bytes payload;
-        test::append(payload, uint16_t{1});
-        payload.resize(20);
-        for (const uint16_t value : std::initializer_list<uint16_t>{7, 1, 2, 3, 4})
-            test::append(payload, value);
-        payload.resize(20 + behind);
-        container one({test::record(330, payload, version)});
-        const parsed result(one.blob());
+    // Rows of nine values, then the exponent 7 and rows of the second table.
+    for (const auto &[version, rows, behind, count2, extra] : {expectation{100, 1, 10, 1, false},
+                                                               {101, 1, 10, 7, false},
+                                                               {102, 1, 10, 7, true},
+                                                               {103, 1, 10, 7, true},
+                                                               {102, 1, 9, 7, false},
+                                                               {102, 1, 2, 7, false},
+                                                               {102, 1, 1, 1, false},
+                                                               {101, 1, 0, 1, false},
+                                                               {102, 3641, 2 + 8 * 3641, 7, true}}) { // from byte 65548
+        bytes payload(2 + 18 * rows + behind);
+        std::memcpy(payload.data(), &rows, 2);
+        if (behind > 0)
+            payload[2 + 18 * rows] = 7;
+        const parsed result(test::record(330, payload, version));
         const isp_fringe_control_slot &fringe = result.set(0).fringe_control;
         EXPECT_EQ(fringe.count2, count2) << int{version} << ' ' << behind;
-        EXPECT_EQ(fringe.extra != nullptr, extra) << int{version} << ' ' << behind;
-        if (extra) {
-            EXPECT_EQ(fringe.extra, reinterpret_cast<uint8_t *>(fringe.record) + 30);
-        }
+        EXPECT_EQ(fringe.extra, extra ? reinterpret_cast<uint8_t *>(fringe.record) + 12 + 18 * rows : nullptr)
+            << int{version} << ' ' << behind;
     }
 }
 
 TEST(parse, rec_13_is_held_in_at_least_twelve_bytes_and_old_versions_lose_their_second_value)
 {
-    container shorter({test::record(333, {1, 2}, 99), test::record(1536 + 128 + 15, {1, 2, 3, 4}, 100)});
-    const parsed result(shorter.blob());
-    const auto *held = reinterpret_cast<const uint8_t *>(result.set(0).rec_13);
-    EXPECT_EQ(std::vector<uint8_t>(held + 8, held + 12), (std::vector<uint8_t>{1, 2, 0, 0}));
-    held = reinterpret_cast<const uint8_t *>(result.set(1).rec_13);
-    EXPECT_EQ(std::vector<uint8_t>(held + 8, held + 12), (std::vector<uint8_t>{1, 2, 0, 0}));
+    const parsed result(test::join({test::record(333, {1, 2}, 99), test::record(1536 + 128 + 15, {1, 2, 3, 4}, 100),
+                                    test::record(384 + 13, {1, 2, 3, 4}, 99)}));
+    const std::vector<uint8_t> expected[] = {{1, 2, 0, 0}, {1, 2, 0, 0}, {1, 2, 3, 4}};
+    for (int which = 0; which < 3; ++which) {
+        const auto *held = reinterpret_cast<const uint8_t *>(result.set(which).rec_13);
+        EXPECT_EQ(std::vector<uint8_t>(held + 8, held + 12), expected[which]) << which;
+    }
 }
 
 TEST(parse, row_counts_are_limited_to_the_bytes_and_short_records_read_as_zeros)
 {
-    container one({test::short_rows(326, 9, {1, 2, 3, 4, 5, 6, 7}),
-                   test::long_rows(768 + 13, 3, std::vector<int32_t>(13)), test::long_rows(768 + 11, -5, {}),
-                   test::record(323, {}), test::record(768 + 3, {}), test::record(1, bytes(1))});
     testing::internal::CaptureStderr();
-    const parsed result(one.blob());
-    const std::string log = testing::internal::GetCapturedStderr();
-    const auto count = [](const isp_record *record, size_t at) {
-        int32_t value = 0;
-        std::memcpy(&value, reinterpret_cast<const uint8_t *>(record) + at, at == 8 ? 2 : 4);
-        return value;
-    };
-    EXPECT_EQ(count(result.set(0).defect_pixel_correction.record, 8), 2); // 14 bytes of rows of 6
-    EXPECT_EQ(count(result.set(0).long_13.record, 16), 1);                // 52 bytes of rows of 28
-    EXPECT_EQ(count(result.set(0).long_11.record, 16), -5);
-    EXPECT_EQ(count(result.set(0).long_3.record, 16), 0);
-    EXPECT_EQ(count(result.set(0).rec_3, 10), 0);
-    EXPECT_NE(log.find("326"), std::string::npos);
-    EXPECT_NE(log.find("781"), std::string::npos);
-    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 2);
+    const parsed result(
+        test::join({test::record(326, {5}), test::long_rows(768 + 13, INT32_MAX, {}), test::long_rows(768 + 11, -5, {}),
+                    test::record(323, {}), test::record(768 + 3, {}), test::record(1, bytes(1))}));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), limited(326, 5, 0) + limited(781, INT32_MAX, 0));
+    EXPECT_EQ(row_count(result.set(0).defect_pixel_correction.record, false), 0);
+    EXPECT_EQ(row_count(result.set(0).long_13.record, true), 0);
+    EXPECT_EQ(row_count(result.set(0).long_11.record, true), -5);
+    EXPECT_EQ(row_count(result.set(0).long_3.record, true), 0);
+    EXPECT_EQ(row_count(result.set(0).rec_3, false), 0);
 }
 
-TEST(parse, set_containers_grow_the_sets_and_keep_what_was_filed)
+TEST(parse, of_very_many_limited_counts_sixteen_are_told_and_how_many_more)
 {
-    container one({test::short_rows(335, 1, {256, 1}),
-                   test::set_container(3, test::join({test::short_rows(335, 1, {256, 3}),
-                                                      test::set_container(5, test::short_rows(335, 1, {256, 5}), true),
-                                                      test::short_rows(336, 0, {})})),
-                   test::short_rows(336, 0, {}), test::set_container(2, {})});
-    const parsed result(one.blob());
+    for (const int records : {16, 17, 40}) {
+        bytes all;
+        std::string expected;
+        for (int i = 0; i < records; ++i) {
+            const auto id = static_cast<uint16_t>(i % 2 == 0 ? 326 : 781);
+            all = test::join({all, id == 326 ? test::record(id, {5, 0}) : test::long_rows(id, 5, {})});
+            if (i < 16)
+                expected += limited(id, 5, 0);
+        }
+        if (records > 16)
+            expected += "qz[0] tuning: " + std::to_string(records - 16) + " more records claim more rows than fit\n";
+        testing::internal::CaptureStderr();
+        const parsed result(all);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), expected);
+        EXPECT_EQ(row_count(result.set(0).defect_pixel_correction.record, false), 0);
+        EXPECT_EQ(row_count(result.set(0).long_13.record, true), 0);
+    }
+}
+
+TEST(parse, set_containers_make_room_for_the_largest_index_and_fill_their_own)
+{
+    const auto xnr = [](uint16_t value) { return test::shorts(335, {1, 256, value}); };
+    const parsed result(test::join(
+        {xnr(1),
+         test::set_container(3, test::join({xnr(3), test::set_container(5, xnr(5), true), test::shorts(336, {0})})),
+         test::shorts(336, {0}), test::set_container(2, xnr(2))}));
     ASSERT_EQ(result.status, ISP_SUCCESS);
     ASSERT_EQ(result.context.set_count, 6);
     EXPECT_EQ(result.context.tuning_sets[1], result.context.tuning_sets[0] + 6);
     EXPECT_EQ(result.context.tuning_sets[2], result.context.tuning_sets[0] + 12);
-    const auto value = [&](int index) { return static_cast<const uint16_t *>(result.set(0, index).xnr.data)[1]; };
-    EXPECT_EQ(value(0), 1);
-    EXPECT_EQ(value(3), 3);
-    EXPECT_EQ(value(5), 5);
-    EXPECT_NE(result.set(0, 0).rec_16, nullptr);
-    EXPECT_NE(result.set(0, 3).rec_16, nullptr);
-    EXPECT_EQ(result.set(0, 5).rec_16, nullptr);
-    EXPECT_EQ(result.set(0, 2).xnr.record, nullptr);
+    constexpr uint16_t values[] = {1, 0, 2, 3, 0, 5};
+    for (int index = 0; index < 6; ++index) {
+        const isp_table_slot &slot = result.set(0, index).xnr;
+        EXPECT_EQ(slot.record != nullptr ? static_cast<const uint16_t *>(slot.data)[1] : 0, values[index]);
+        EXPECT_EQ(result.set(0, index).rec_16 != nullptr, index == 0 || index == 3);
+    }
 }
 
 TEST(parse, deep_nesting_costs_no_stack)
@@ -214,57 +231,49 @@ TEST(parse, deep_nesting_costs_no_stack)
         const bytes tail = test::record(1, bytes(4));
         opening.insert(opening.end(), tail.begin(), tail.end());
     }
-    container one({opening});
-    const parsed result(one.blob());
+    const parsed result(opening);
     EXPECT_EQ(result.status, ISP_SUCCESS);
     EXPECT_EQ(result.context.set_count, 2);
 }
 
 TEST(parse, rule_record_is_referred_to_in_place)
 {
-    container one({test::record(709, bytes(7)), test::rules({{1, 1, 1, 0.0}})});
-    const parsed result(one.blob());
-    const auto *start = static_cast<const uint8_t *>(one.blob()->data);
+    parsed result(test::join({test::record(709, bytes(7)), test::rules({{1, 1, 1, 0.0}})}));
+    const auto *start = static_cast<const uint8_t *>(result.from.blob()->data);
     EXPECT_EQ(result.context.rules.record, start + 24 + 15);
     EXPECT_EQ(result.context.rules.first_rule, start + 24 + 15 + 16);
 
+    // A container without rules has none, whatever was parsed before.
+    test::container other({});
+    EXPECT_EQ(isp_parse(other.blob(), &result.context), ISP_SUCCESS);
+    EXPECT_EQ(result.context.rules.record, nullptr);
+    EXPECT_EQ(result.context.rules.first_rule, nullptr);
+
     // A count that fits only when 16 times it wraps.
-    bytes lying(8);
-    lying[7] = 0x10;
-    container two({test::record(709, lying)});
-    const parsed wrapped(two.blob());
+    const parsed wrapped(test::record(709, {0, 0, 0, 0, 0, 0, 0, 0x10}));
     EXPECT_NE(wrapped.context.rules.record, nullptr);
     EXPECT_EQ(wrapped.context.rules.first_rule, nullptr);
 }
 
-bytes varied_records()
-{
-    return test::join(
-        {test::short_rows(326, 1, {256, 1, 2}), test::short_rows(330, 1, {256, 1, 2, 3, 4, 5, 6, 7, 8, 9}, 102),
-         test::record(333, {1, 2, 3, 4}), test::long_rows(771, 1, {256, 1, 2, 3}), test::rules({{1, 2, 1, 5.0}}),
-         test::set_container(1, test::join({test::short_rows(331, 1, {256, 0, 0, 0, 0}),
-                                            test::set_container(2, test::record(332, bytes(22)), true)}))});
-}
-
 TEST(parse, truncation_at_every_byte_and_every_bad_size_end_cleanly)
 {
-    const bytes whole = test::join({test::header(), varied_records()});
+    const bytes whole = test::join(
+        {test::header(), test::shorts(326, {1, 256, 1, 2}), test::shorts(330, {1, 256, 1, 2, 3, 4, 5, 6, 7, 8, 9}, 102),
+         test::record(333, {1, 2, 3, 4}), test::long_rows(771, 1, {256, 1, 2, 3}), test::rules({{1, 2, 1, 5.0}}),
+         test::set_container(1, test::join({test::shorts(331, {1, 256, 0, 0, 0, 0}),
+                                            test::set_container(2, test::record(332, bytes(22)), true)}))});
     for (size_t length = 0; length <= whole.size(); ++length) {
-        const bytes cut(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length));
-        const isp_blob blob = {cut.data(), static_cast<uint32_t>(cut.size())};
-        const parsed result(&blob);
+        const parsed result({}, bytes(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length)));
         EXPECT_TRUE(result.status == ISP_SUCCESS || result.status == ISP_INVALID_DATA ||
                     (result.status == ISP_INVALID_ARGUMENT && length < 24));
     }
-    for (size_t at = 24; at < whole.size(); ++at) {
+    for (size_t at = 24; at < whole.size(); ++at)
         for (const uint32_t size : {0u, 7u, 8u, 31u, 0x7fffffffu, 0xffffffffu}) {
             bytes bad = whole;
             std::memcpy(bad.data() + at, &size, std::min<size_t>(4, bad.size() - at));
-            const isp_blob blob = {bad.data(), static_cast<uint32_t>(bad.size())};
-            const parsed result(&blob);
+            const parsed result({}, bad);
             EXPECT_TRUE(result.status == ISP_SUCCESS || result.status == ISP_INVALID_DATA);
         }
-    }
 }
 
 TEST(parse, sizes_that_leave_the_list_fail_whatever_the_id)
@@ -278,17 +287,23 @@ TEST(parse, sizes_that_leave_the_list_fail_whatever_the_id)
                                            {13, 1, ISP_INVALID_DATA},
                                            {12, 1, ISP_SUCCESS},
                                            {8, 1, ISP_SUCCESS},
+                                           {4, 1, ISP_INVALID_DATA},
                                            {0, 326, ISP_INVALID_DATA}}) {
         bytes one = test::record(id, bytes(4));
         std::memcpy(one.data(), &size, sizeof size);
-        container bad({one});
-        EXPECT_EQ(parsed(bad.blob()).status, status) << size;
+        EXPECT_EQ(parsed(one).status, status) << size;
     }
-    bytes tagged = test::set_container(1, {}, true);
-    tagged.resize(31);
-    tagged[0] = 31;
-    container short_header({tagged});
-    EXPECT_EQ(parsed(short_header.blob()).status, ISP_INVALID_DATA);
+    // Eight bytes at a list's end are no record any more, whatever they say; one more byte is.
+    EXPECT_EQ(parsed(test::record(320, {})).status, ISP_SUCCESS);
+    EXPECT_EQ(parsed(test::set_container(1, test::record(320, {}))).status, ISP_SUCCESS);
+    EXPECT_EQ(parsed(test::record(320, {0})).status, ISP_INVALID_DATA);
+    // A tagged list has a header of 24 bytes.
+    for (const uint8_t size : std::initializer_list<uint8_t>{12, 31, 32}) {
+        bytes tagged = test::set_container(1, {}, true);
+        tagged.resize(size);
+        tagged[0] = size;
+        EXPECT_EQ(parsed(tagged).status, size < 32 ? ISP_INVALID_DATA : ISP_SUCCESS);
+    }
 }
 
 } // namespace

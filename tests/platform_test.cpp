@@ -67,6 +67,25 @@ TEST(makernote, drops_and_counts_what_it_cannot_keep)
     qz_mkn_destroy(mkn);
 }
 
+TEST(makernote, cleared_is_as_new)
+{
+    qz_mkn *mkn = qz_mkn_create();
+    const size_t empty = qz_mkn_saved_size(mkn);
+    for (uint32_t round = 0; round < 3; ++round) {
+        for (uint32_t i = 0; i < 100; ++i)
+            EXPECT_TRUE(qz_mkn_add_record(mkn, QZ_MKN_U32, i + round, &i, 1, "key"));
+        EXPECT_FALSE(qz_mkn_add_record(mkn, 7, 1, nullptr, 0, nullptr));
+        qz_mkn_record record = {};
+        ASSERT_TRUE(qz_mkn_get_record(mkn, 99, &record));
+        EXPECT_EQ(record.name, 99 + round);
+        qz_mkn_clear(mkn);
+        EXPECT_EQ(qz_mkn_record_count(mkn), 0u);
+        EXPECT_EQ(qz_mkn_dropped_count(mkn), 0u);
+        EXPECT_EQ(qz_mkn_saved_size(mkn), empty);
+    }
+    qz_mkn_destroy(mkn);
+}
+
 TEST(makernote, container_needs_the_tag_and_a_whole_header)
 {
     char bytes[QZ_MKN_HEADER_SIZE] = {'V', 'U', 'X', 'B'};

@@ -41,17 +41,6 @@ floats random_coefficients(unsigned seed)
     return c;
 }
 
-TEST(do_polynomial_upscale, every_term_has_its_own_powers)
-{
-    // At (2, 3): 2^a * 3^b for the exponents of each term.
-    constexpr std::array<float, 15> at_2_3 = {1, 2, 3, 4, 6, 9, 8, 12, 18, 27, 16, 24, 36, 54, 81};
-    for (size_t k = 0; k < 15; ++k) {
-        floats c(15);
-        c[k] = 1.0f;
-        EXPECT_EQ(upscale(c, 2, 3, 2, 2)[3], at_2_3[k]) << k;
-    }
-}
-
 TEST(do_polynomial_upscale, sizes_at_the_edge)
 {
     floats c = random_coefficients(1);

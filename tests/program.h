@@ -9,7 +9,8 @@
 #include <stdlib.h>
 #include <sys/wait.h>
 
-#include "files.h"
+#include "desk_suite.h"
+#include "tools/base/files.h"
 
 struct result {
     int code;
@@ -30,7 +31,7 @@ class program_test : public testing::Test {
 
     std::string text_of(const std::string &name) const
     {
-        const qz::tool::byte_buffer bytes = qz::tool::read_file(path(name));
+        const qz::desk::byte_buffer bytes = qz::tool::read_file(path(name));
         return {bytes.begin(), bytes.end()};
     }
 
@@ -48,8 +49,3 @@ class program_test : public testing::Test {
   private:
     std::filesystem::path directory_;
 };
-
-inline bool contains(const std::string &text, std::string_view part)
-{
-    return text.find(part) != std::string::npos;
-}

@@ -1,41 +1,35 @@
+#include <chrono>
 #include <cmath>
 #include <limits>
 
 #include <gtest/gtest.h>
 
 #include "container_builder.h"
-#include "qz_isp/context.h"
 #include "qz_isp/error.h"
 
 namespace {
 
-using test::container;
-
 // An xnr record of set 0, 1 or 2 that carries a value to tell it by; edge enhancement likewise.
+constexpr uint16_t base[] = {320, 448, 384};
+
 test::bytes xnr(int set, uint16_t value)
 {
-    constexpr uint16_t base[] = {320, 448, 384};
-    return test::short_rows(static_cast<uint16_t>(base[set] + 15), 1, {256, value});
+    return test::shorts(static_cast<uint16_t>(base[set] + 15), {1, 256, value});
 }
 
 test::bytes edge(int set, uint16_t value)
 {
-    constexpr uint16_t base[] = {320, 448, 384};
-    return test::short_rows(static_cast<uint16_t>(base[set] + 8), 1, {256, value, 0, 0});
+    return test::shorts(static_cast<uint16_t>(base[set] + 8), {1, 256, value, 0, 0});
 }
 
-class selector {
-  public:
-    explicit selector(const test::bytes &records) : container_(records, 0) { isp_parse(container_.blob(), &context_); }
-    ~selector() { isp_parse_deinit(&context_); }
-    selector(const selector &) = delete;
-    selector &operator=(const selector &) = delete;
+struct selector : test::parsed {
+    using parsed::parsed;
 
     uint32_t select(uint32_t mode, const isp_geometry *frame = nullptr, const isp_geometry *aux = nullptr,
                     const uint32_t *list = nullptr)
     {
         std::memset(&selected, 0xff, sizeof selected);
-        return tuningselector(mode, &context_, &context_.rules, frame, aux, context_.set_count, list, &selected);
+        return tuningselector(mode, &context, &context.rules, frame, aux, context.set_count, list, &selected);
     }
 
     uint16_t xnr() const { return value(selected.xnr); }
@@ -48,14 +42,12 @@ class selector {
     {
         return slot.record != nullptr ? static_cast<const uint16_t *>(slot.data)[1] : uint16_t{0};
     }
-
-    container container_;
-    isp_context context_ = {};
 };
 
 TEST(selection, mode_orders_the_three_sets_slot_by_slot)
 {
-    selector all(test::join({xnr(0, 10), xnr(1, 11), xnr(2, 12), edge(0, 20), edge(2, 22), test::record(321, {})}));
+    selector all(test::join({xnr(0, 10), xnr(1, 11), xnr(2, 12), edge(0, 20), edge(2, 22), test::record(321, {1})}));
+    EXPECT_NE(all.set(0).rec_1.record, nullptr);
     const uint16_t expected[][3] = {{0, 11, 22}, {1, 10, 20}, {2, 10, 20}, {3, 12, 22}, {4, 10, 20}};
     for (const auto &[mode, xnr_value, edge_value] : expected) {
         EXPECT_EQ(all.select(mode), ISP_SUCCESS);
@@ -64,15 +56,6 @@ TEST(selection, mode_orders_the_three_sets_slot_by_slot)
         EXPECT_EQ(all.selected.rec_1.record, nullptr);
         EXPECT_EQ(all.selected.noise_reduction.record, nullptr);
     }
-}
-
-TEST(selection, whole_groups_are_taken)
-{
-    selector all(test::join({test::short_rows(330, 1, {256, 1, 2, 3, 4, 5, 6, 7, 8, 9, 1, 2, 3, 4}, 102)}));
-    all.select(1);
-    EXPECT_EQ(all.selected.fringe_control.count2, 9u);
-    EXPECT_NE(all.selected.fringe_control.extra, nullptr);
-    EXPECT_NE(all.selected.fringe_control.data, nullptr);
 }
 
 TEST(selection, comparisons_of_both_geometries)
@@ -108,7 +91,8 @@ TEST(selection, comparisons_of_both_geometries)
              {{1, 5, 2, 0.0}, &frame, nullptr, false}, // no such set index
              {{1, 5, 0xffff, 0.0}, &frame, nullptr, false},
          }) {
-        selector two(test::join({xnr(0, 10), test::set_container(1, xnr(0, 11)), test::rules({rule})}));
+        // Set 1 lies behind the last index of set 0.
+        selector two(test::join({xnr(0, 10), xnr(1, 12), test::set_container(1, xnr(0, 11)), test::rules({rule})}));
         two.select(1, frame_size, aux);
         EXPECT_EQ(two.xnr(), matches ? 11 : 10) << rule.kind << ' ' << rule.op << ' ' << rule.threshold;
     }
@@ -120,7 +104,7 @@ TEST(selection, first_matching_rule_wins_and_later_ones_fill_up)
     const test::bytes records =
         test::join({xnr(0, 10), edge(0, 20), test::record(335 + 1, {}),
                     test::set_container(1, test::join({xnr(0, 11), edge(0, 21)})), test::set_container(2, xnr(0, 12)),
-                    test::rules({{1, 1, 2, 100.0}, {1, 1, 1, 100.0}})});
+                    test::rules({{1, 1, 2, 100.0}, {1, 1, 1, 100.0}, {1, 1, 2, 100.0}})});
     selector three(records);
     three.select(1, &frame);
     EXPECT_EQ(three.xnr(), 12);
@@ -132,12 +116,27 @@ TEST(selection, first_matching_rule_wins_and_later_ones_fill_up)
     EXPECT_EQ(three.xnr(), 10);
 }
 
-TEST(selection, rules_need_a_second_set_index_and_bytes_of_their_own)
+TEST(selection, rules_cost_the_same_whether_they_match_or_not)
 {
     const isp_geometry frame = {{}, 10, 10};
-    selector one(test::join({xnr(0, 10), xnr(1, 11), test::rules({{1, 1, 0, 100.0}})}));
-    one.select(1, &frame);
-    EXPECT_EQ(one.xnr(), 10);
+    const auto cost = [&](uint16_t op) {
+        const std::vector<test::rule> rules(65536, {1, op, 1, 50.0});
+        selector many(test::join({xnr(0, 10), test::set_container(1, edge(0, 21)), test::rules(rules)}));
+        auto least = std::chrono::steady_clock::duration::max();
+        for (int i = 0; i < 5; ++i) {
+            const auto start = std::chrono::steady_clock::now();
+            many.select(1, &frame);
+            least = std::min(least, std::chrono::steady_clock::now() - start);
+        }
+        EXPECT_EQ(many.edge(), op == 3 ? 21 : 0);
+        return least;
+    };
+    EXPECT_LT(cost(3), 4 * cost(2)); // it is 100 > 50, and not 100 < 50
+}
+
+TEST(selection, rules_need_bytes_of_their_own)
+{
+    const isp_geometry frame = {{}, 10, 10};
     selector two(test::join(
         {xnr(0, 10), test::set_container(1, xnr(0, 11)), test::record(709, {0, 0, 0, 0, 1, 0, 0, 0, 1, 0, 1, 0})}));
     two.select(1, &frame);
@@ -153,11 +152,14 @@ TEST(selection, null_arguments)
     isp_context context = {};
     EXPECT_EQ(tuningselector(1, &context, nullptr, nullptr, nullptr, 0, nullptr, nullptr), ISP_INVALID_ARGUMENT);
     EXPECT_EQ(tuningselector(1, &context, nullptr, nullptr, nullptr, 0, nullptr, &set), ISP_SUCCESS);
-    container one({xnr(0, 10), test::set_container(1, {})});
-    isp_parse(one.blob(), &context);
-    EXPECT_EQ(tuningselector(1, &context, nullptr, nullptr, nullptr, 2, nullptr, &set), ISP_SUCCESS);
-    EXPECT_NE(set.xnr.record, nullptr);
-    isp_parse_deinit(&context);
+    const isp_geometry frame = {{}, 10, 10};
+    const test::parsed two(
+        test::join({xnr(0, 10), test::set_container(1, xnr(0, 11)), test::rules({{1, 1, 1, 100.0}})}));
+    const isp_rule_ref nowhere = {two.context.rules.record, nullptr};
+    for (const isp_rule_ref *rules : std::initializer_list<const isp_rule_ref *>{nullptr, &context.rules, &nowhere}) {
+        EXPECT_EQ(tuningselector(1, &two.context, rules, &frame, nullptr, 2, nullptr, &set), ISP_SUCCESS);
+        EXPECT_EQ(set.xnr.record, two.set(0).xnr.record);
+    }
 }
 
 } // namespace

@@ -8,8 +8,9 @@
 #include <gtest/gtest.h>
 
 #include "program.h"
-#include "report_page.h"
-#include "sample.h"
+#include "qz_isp/aic_record.h"
+#include "tools/base/report_page.h"
+#include "tools/sample/sample.h"
 
 using nlohmann::json;
 
@@ -40,22 +41,6 @@ uint32_t word_at(const std::string &bytes, size_t offset)
     return word;
 }
 
-TEST_F(program, without_arguments_prints_the_last_sample_frame_as_blocks)
-{
-    const result made = run("run");
-    EXPECT_EQ(made.code, 0);
-    EXPECT_EQ(made.out.substr(0, 38), "frame 3 \"still\": 9472 bytes in use\n\n  ");
-    EXPECT_TRUE(contains(made.out, "  31  long_6                     offset  1384   size  1188\n"));
-    EXPECT_TRUE(contains(made.out, "... 295 values, --all shows them"));
-    EXPECT_TRUE(contains(made.out, "gains of channel 3"));
-    EXPECT_FALSE(contains(made.out, "\x1b"));
-
-    const result all = run("run --all");
-    EXPECT_FALSE(contains(all.out, "--all"));
-    EXPECT_TRUE(contains(all.out, "                        272:"));
-    EXPECT_TRUE(contains(all.out, "table 3"));
-}
-
 // Worked out from the sample: gains 1.98 and 1.53 times 65536 truncated, halved; records of set index 2 and set 2.
 TEST_F(program, json_and_raw_tell_the_same_record)
 {
@@ -75,9 +60,9 @@ TEST_F(program, json_and_raw_tell_the_same_record)
     EXPECT_EQ(fields["gamma_1"]["table"].size(), 256u);
     EXPECT_EQ(fields_by_block(frame("--frame video"))["gamma_1"]["table"].size(), 257u);
     EXPECT_EQ(word_at(bytes, 12), fields["white_balance"]["gain"][0]);
-    EXPECT_EQ(word_at(bytes, 4928 + 32), 4976u);
+    EXPECT_EQ(word_at(bytes, AIC_FIXED_SIZE + 32), AIC_FIXED_SIZE + 48);
     const json &first_row = fields["lens_shading"]["tables"][0][0];
-    EXPECT_EQ(word_at(bytes, 4976), first_row[0].get<uint32_t>() | first_row[1].get<uint32_t>() << 16);
+    EXPECT_EQ(word_at(bytes, AIC_FIXED_SIZE + 48), first_row[0].get<uint32_t>() | first_row[1].get<uint32_t>() << 16);
 
     EXPECT_EQ(run("run --raw - --frame preview").out, bytes);
     EXPECT_EQ(run("run --raw every --frame all").code, 0);
@@ -97,25 +82,6 @@ TEST_F(program, runs_files_of_its_user)
         EXPECT_EQ(fields["temporal_noise_reduction"]["param"], (json{32768, 32, 32}));
         EXPECT_FALSE(fields.contains("lens_shading"));
     }
-}
-
-TEST_F(program, packs_and_shows_to_the_same_bytes)
-{
-    write("sample.json", qz::tool::sample_tuning);
-    ASSERT_EQ(run("tuning pack sample.json sample.vuxb").code, 0);
-    ASSERT_EQ(run("tuning show --json sample.vuxb").code, 0);
-    const std::string source = text_of("out");
-    write("again.json", source);
-    EXPECT_EQ(run("tuning pack - -", "cat again.json |").out, text_of("sample.vuxb"));
-
-    const result shown = run("tuning show - < sample.vuxb");
-    EXPECT_EQ(shown.code, 0);
-    EXPECT_EQ(shown.err, "");
-    EXPECT_TRUE(contains(shown.out,
-                         "\n      24    709       -    -  rules                               100      3       64\n"));
-    EXPECT_TRUE(contains(shown.out,
-                         "   21830  64513       -    -  set index 1                         100      -      346\n"
-                         "   21838    328     320    0    edge_enhancement                  100      4       42\n"));
 }
 
 TEST_F(program, shows_what_is_wrong_with_a_container)
@@ -168,6 +134,19 @@ TEST_F(program, reports_errors_with_exit_codes)
         {"tuning pack nested.json x", 1, "records[0].records[0].slot: found \"zoom\", expected the name of a slot"},
         {"tuning pack - x < other", 1, "qz-isp: standard input: line 1, column 1: syntax error"},
         {"run --raw /dev/full", 1, "qz-isp: /dev/full: cannot be written: No space left"},
+        {"run --scene .", 1, "qz-isp: .: cannot be read: Is a directory"},
+        // 1 is an answer of diff, so that every error gives 2.
+        {"diff - -", 2, "qz-isp: found standard input for both files, expected it for one"},
+        {"diff scene.json", 2, "B is required"},
+        {"diff rows.json absent", 2, "qz-isp: rows.json: records[0].rows[0][1]: found 70000"},
+        {"diff scene.json other", 2, "qz-isp: scene.json: frames[1].hue"},
+        {"sweep", 2, "--over is required"},
+        {"sweep --over gain", 2, "qz-isp: --over gain: found no \"=\""},
+        {"sweep --over gain=1 --fields x", 2, "qz-isp: --fields \"x\": found the block \"x\""},
+        {"sweep --over gain=1 --format json", 2, "--format: json not in {csv,jsonl}"},
+        {"sweep --over gain=1 --format jsonl --no-header", 2, "--no-header: found JSON lines, expected CSV"},
+        {"sweep --over gain=1 --shard 0/2", 2, "qz-isp: --shard: found \"0/2\", expected I/N"},
+        {"sweep --over gain=1 --output /dev/full", 1, "qz-isp: /dev/full: cannot be written: No space left"},
     };
     for (const auto &[arguments, code, error] : cases) {
         const result made = run(arguments);
@@ -214,6 +193,43 @@ TEST_F(program, report_holds_the_frame_s_curves_and_its_gamma_without_brightness
 TEST(report_page, that_is_not_there_is_asked_for)
 {
     EXPECT_THROW(static_cast<void>(qz::tool::filled({}, {})), std::runtime_error);
+}
+
+TEST_F(program, diff_answers_with_its_exit_code)
+{
+    write("a.json", R"({"frames": [{}]})");
+    write("b.json", R"({"frames": [{"hue": 1, "colour": {"ccm": [9, 8, 7, 6, 5, 4, 3, 2, 1]}}, {}]})");
+    const result found = run("diff a.json - < b.json");
+    EXPECT_EQ(found.code, 1) << found.err;
+    EXPECT_EQ(found.out.substr(0, 48), "frame 0\n  hue                          0 -> 1\n  ");
+    EXPECT_TRUE(contains(found.out, "  ... 1 more of colour.ccm, --all shows them\n"));
+    EXPECT_TRUE(contains(found.out, "frame 1: only in B\n"));
+    EXPECT_TRUE(contains(run("diff --all a.json b.json").out, "colour.ccm[8]                nothing -> 1\n"));
+    EXPECT_EQ(run("diff a.json a.json").out, "no difference in 2 parts\n");
+    EXPECT_EQ(run("diff a.json a.json").code, 0);
+    EXPECT_EQ(json::parse(run("diff --json a.json a.json").out), json::parse(R"({"equal": true, "differences": []})"));
+}
+
+TEST_F(program, sweep_writes_shards_that_are_the_whole)
+{
+    const std::string arguments =
+        "sweep --frame preview --over gain=1..2:0.5 --over lsc.enable=0,1 --over nr_mode=0..2 ";
+    const result whole = run(arguments);
+    EXPECT_EQ(whole.code, 0);
+    EXPECT_FALSE(contains(whole.err, "\r")) << "progress without a terminal";
+    std::string parts;
+    for (const char *shard : {"1/2", "2/2"})
+        parts += run(arguments + "--shard " + shard).out;
+    EXPECT_EQ(parts, whole.out);
+    EXPECT_EQ(std::ranges::count(whole.out, '\n'), 1 + 3 * 2 * 3);
+    EXPECT_EQ(run(arguments + "--no-header --output file").out, "");
+    EXPECT_EQ(text_of("file"), whole.out.substr(whole.out.find('\n') + 1));
+
+    const std::string many = "sweep --over sharpness=-128..127 --over hue=-20..20 --fields block13.* ";
+    const result head = run(many + "2> errors; echo $? > code; } | head -n 1", "{");
+    EXPECT_EQ(head.out, "sharpness,hue,block13.param[0],block13.param[1],block13.param[2]\n");
+    EXPECT_EQ(text_of("code"), "141\n");
+    EXPECT_FALSE(contains(text_of("errors"), "qz-isp:"));
 }
 
 TEST_F(program, every_help_has_an_example)

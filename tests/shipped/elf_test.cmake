@@ -1,10 +1,11 @@
 # Looks at a built file as the loader will: what it links to and how it is hardened.
 #
-#   cmake -DREADELF=readelf -DFILE=file [-DNEEDED=libraries] [-DSONAME=name] [-DCALLS=functions] [-DCONSTANT=ON]
-#         -P elf_test.cmake
+#   cmake -DREADELF=readelf -DFILE=file [-DNEEDED=libraries] [-DSONAME=name] [-DCALLS=functions] [-DAVOIDS=functions]
+#         [-DCONSTANT=ON] -P elf_test.cmake
 #
 # NEEDED   every library that the file may link to, and has to
 # CALLS    functions that it calls, each because a protection is compiled in
+# AVOIDS   functions that it does not call, because their results differ between C libraries
 # CONSTANT all its data of its own is read-only
 cmake_minimum_required(VERSION 3.25)
 
@@ -48,6 +49,10 @@ endif()
 
 foreach(function IN LISTS CALLS)
   expect("${symbols}" " UND ${function}(@|\n| )" "a call of ${function}")
+endforeach()
+
+foreach(function IN LISTS AVOIDS)
+  expect_not("${symbols}" " UND ${function}(@|\n| )" "a call of ${function}")
 endforeach()
 
 if(CONSTANT)

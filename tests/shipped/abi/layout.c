@@ -4,12 +4,15 @@
  */
 #include <stddef.h>
 #include <stdio.h>
+#include <string.h>
 
 #include "qz_isp/qz_isp.h"
 #include "qz_log.h"
 #include "qz_mkn.h"
 
-/* Where the structure's fields listed so far end. */
+/* The structure being listed, its size, and where its fields listed so far end. */
+static const char *listed = "";
+static size_t listed_size;
 static size_t reached;
 
 static void print_padding_up_to(size_t offset)
@@ -26,6 +29,17 @@ static void print_field(const char *name, size_t offset, size_t size)
         reached = offset + size;
 }
 
+static void print_struct(const char *name, size_t size, size_t alignment)
+{
+    if (strcmp(name, listed) == 0)
+        return;
+    print_padding_up_to(listed_size);
+    printf("%-32s size %6zu, alignment %zu\n", name, size, alignment);
+    listed = name;
+    listed_size = size;
+    reached = 0;
+}
+
 #define STRUCT(type, fields)                                                                                           \
     {                                                                                                                  \
         typedef type self;                                                                                             \
@@ -33,14 +47,14 @@ static void print_field(const char *name, size_t offset, size_t size)
             char byte;                                                                                                 \
             type behind;                                                                                               \
         } aligned;                                                                                                     \
-        printf("%-32s size %6zu, alignment %zu\n", #type, sizeof(self), offsetof(aligned, behind));                    \
-        reached = 0;                                                                                                   \
+        print_struct(#type, sizeof(self), offsetof(aligned, behind));                                                  \
         fields;                                                                                                        \
-        print_padding_up_to(sizeof(self));                                                                             \
     }
+#define PAYLOAD_FIELD(type, field, reading) STRUCT(type, FIELD(field))
 #define FIELD(name) print_field(#name, offsetof(self, name), sizeof(((const self *)NULL)->name));
-#define BLOCK_FIELD(name, id, size, offset) FIELD(name)
+#define BLOCK_FIELD(name, id, size, offset, payload, padding, family) FIELD(name)
 #define CONSTANT(name) printf("%-32s %6lu\n", #name, (unsigned long)(name));
+#define MAKERNOTE_NAME(name, number, format, count, content) CONSTANT(ISP_MAKERNOTE_##name)
 
 int main(void)
 {
