@@ -4,11 +4,12 @@ JOBS ?= $(shell nproc)
 FUZZ_SECONDS ?= 60
 TEST_PRESETS := native x86 asan
 SOURCES = $(shell git ls-files '*.c' '*.cpp' '*.h')
-LIBRARY_ROOMS := frame tuning color noise_detail util platform
-TIDY_SOURCES = $(shell git ls-files $(addsuffix /*.cpp,$(LIBRARY_ROOMS)) 'tools/*.cpp' 'examples/*.c' 'examples/*.cpp')
+# What ships or is installed.
+TIDY_SOURCES = $(shell git ls-files '*.c' '*.cpp' ':!tests' ':!bench' ':!fuzz' ':!docs')
+INSTALL_DEPS ?= scripts/install-deps.sh
 
 .PHONY: help run test $(addprefix test-,$(TEST_PRESETS)) test-tsan check check-format check-tidy check-cppcheck format bench \
-	fuzz determinism coverage docs package abi digests pictures report-bundle test-report clean
+	bench-device fuzz determinism verify-powers coverage docs package abi digests pictures report-bundle test-report clean
 
 help:
 	@echo 'make run       install what is missing, build, and print the record of a sample frame'
@@ -16,28 +17,35 @@ help:
 	@echo 'make check     formatting, clang-tidy and cppcheck'
 	@echo 'make format    format the sources'
 	@echo 'make bench     build and run the benchmarks'
+	@echo 'make bench-device  the same at the instruction set of the device, and what its 32-bit build costs there'
 	@echo 'make fuzz      run the fuzz targets for FUZZ_SECONDS (60) each'
-	@echo 'make determinism  the same results from gcc and clang, unoptimised and optimised'
+	@echo 'make determinism  the same results from gcc and clang at every level, and with musl'
+	@echo 'make verify-powers  the powers of the tone curves against MPFR, every one of them: hours; STEP=100 for each 100th'
 	@echo 'make coverage  line and branch coverage of the library'
 	@echo 'make docs      API pages from the headers, in build/docs/html'
 	@echo 'make package   Debian packages of the 64-bit and the 32-bit library, in build/packages'
-	@echo 'make report-bundle  the page of qz-isp report, where a build could not make it; takes node and npm'
+	@echo 'make report-bundle  the page of qz-isp report for the builds that follow; installs node and npm'
 	@echo 'make test-report  the page of qz-isp report in headless Chromium'
-	@echo 'make digests   write down changed records of the sample scene, see CONTRIBUTING.md'
+	@echo 'make digests   write down changed records and makernotes, see CONTRIBUTING.md'
 	@echo 'make abi       write down a changed binary interface, see CONTRIBUTING.md'
 
+# The page of qz-isp report takes Node.js, which is not worth installing for a look at a record.
+page_where_possible = if type -P node npm > /dev/null; then node page/build.mjs --install build/report-bundle || true; fi
+
 run:
-	@scripts/install-deps.sh run
-	@cmake --preset native -DQZ_ISP_EXAMPLES=OFF > /dev/null
+	@$(INSTALL_DEPS) run
+	@$(page_where_possible)
+	@cmake --preset native > /dev/null
 	@cmake --build --preset native --target qz-isp --parallel $(JOBS)
 	@build/native/qz-isp run
 
 test:
-	scripts/install-deps.sh test
+	$(INSTALL_DEPS) test
+	@$(page_where_possible)
 	$(MAKE) --no-print-directory $(addprefix test-,$(TEST_PRESETS)) test-tsan
 
 $(addprefix test-,$(TEST_PRESETS)): test-%:
-	cmake --preset $* -DQZ_ISP_EXAMPLES=ON
+	cmake --preset $*
 	cmake --build --preset $* --parallel $(JOBS)
 	ctest --preset $* --parallel $(JOBS) --no-tests=error --progress
 
@@ -51,14 +59,14 @@ test-tsan:
 .NOTPARALLEL:
 
 check:
-	scripts/install-deps.sh check
+	$(INSTALL_DEPS) check
 	$(MAKE) --no-print-directory check-format check-tidy check-cppcheck
 
 check-format:
 	clang-format --dry-run -Werror $(or $(SOURCES),$(error git lists no sources here))
 
 check-tidy:
-	cmake --preset native -DQZ_ISP_EXAMPLES=ON > /dev/null
+	cmake --preset native > /dev/null
 	printf '%s\n' $(TIDY_SOURCES) | xargs -P $(JOBS) -n 1 clang-tidy -p build/native --quiet
 
 check-cppcheck:
@@ -70,40 +78,62 @@ check-cppcheck:
 format:
 	clang-format -i $(SOURCES)
 
+# RUNS of the benchmarks whose names match BENCH_FILTER, and a table of medians.
+RUNS ?= 1
+bench_runs = rm -f build/$(1)/run-*.txt; for run in $$(seq $(RUNS)); do build/$(1)/qz-isp-bench \
+	--benchmark_filter='$(or $(BENCH_FILTER),.)' | tee build/$(1)/run-$$run.txt; done; bench/medians.sh build/$(1)/run-*.txt
+
 bench:
-	scripts/install-deps.sh bench
+	$(INSTALL_DEPS) bench
 	cmake --preset bench
 	cmake --build --preset bench --parallel $(JOBS)
-	build/bench/qz-isp-bench
+	$(call bench_runs,bench)
+
+bench-device:
+	$(INSTALL_DEPS) bench device
+	cmake --preset bench-device
+	cmake --build --preset bench-device --target qz-isp-bench --parallel $(JOBS)
+	cmake --preset bench-x86
+	cmake --build --preset bench-x86 --target qz-isp-device-cases --parallel $(JOBS)
+	export OPENCV_CPU_DISABLE=SSE4.1,SSE4.2,AVX,FP16,AVX2,AVX512-SKX OPENBLAS_CORETYPE=Core2; \
+		$(call bench_runs,bench-device)
+	bench/device/count.sh build/bench-x86
 
 fuzz:
-	scripts/install-deps.sh fuzz
+	$(INSTALL_DEPS) fuzz
 	cmake --preset fuzz > /dev/null
 	cmake --build --preset fuzz --parallel $(JOBS)
 	fuzz/run build/fuzz $(FUZZ_SECONDS) $(JOBS)
 
 determinism:
-	scripts/install-deps.sh determinism
-	cmake --preset native -DQZ_ISP_EXAMPLES=ON
+	$(INSTALL_DEPS) determinism
+	cmake --preset native
 	cmake --build --preset native --parallel $(JOBS)
 	scripts/determinism.sh $(VARIANTS)
 
+verify-powers:
+	$(INSTALL_DEPS) verify
+	cmake --preset native
+	cmake --build --preset native --target verify-powers --parallel $(JOBS)
+	build/native/verify-powers $(STEP)
+
 coverage:
-	scripts/install-deps.sh coverage
+	$(INSTALL_DEPS) coverage
 	cmake --preset coverage
 	cmake --build --preset coverage --parallel $(JOBS)
 	ctest --preset coverage --parallel $(JOBS) --no-tests=error
 	gcovr --root . --object-directory build/coverage --delete --branches --print-summary
 
 docs:
-	scripts/install-deps.sh docs
+	$(INSTALL_DEPS) docs
 	mkdir -p build
 	doxygen docs/Doxyfile
 
 package: package-native package-x86
 
 package-native package-x86:
-	scripts/install-deps.sh package
+	$(INSTALL_DEPS) package
+	@$(page_where_possible)
 	cmake --preset $@ > /dev/null
 	cmake --build --preset $@ --parallel $(JOBS)
 	cd build/$@ && cpack
@@ -112,24 +142,24 @@ package-native package-x86:
 abi: abi-native abi-x86
 
 abi-native abi-x86: abi-%:
-	scripts/install-deps.sh test
+	$(INSTALL_DEPS) test
 	cmake --preset $* > /dev/null
 	cmake --build --preset $* --target update-abi --parallel $(JOBS)
 
-# The sample scene's records.
+# Records and makernotes of the sample scene and of untuned frames.
 digests:
-	scripts/install-deps.sh test
+	$(INSTALL_DEPS) test
 	cmake --preset native > /dev/null
 	cmake --build --preset native --target update-digests
 
-# The page of qz-isp report, for builds on a machine that had no Node.js or no network before.
+# The page of qz-isp report, for the builds that follow.
 report-bundle:
-	scripts/install-deps.sh node
-	node tools/report/build.mjs --required build/report-bundle
+	$(INSTALL_DEPS) node
+	node page/build.mjs --install build/report-bundle
 
 # The page in headless Chromium; screenshots are left in build/report-test.
 test-report: report-bundle
-	scripts/install-deps.sh report
+	$(INSTALL_DEPS) report
 	cmake --preset native > /dev/null
 	cmake --build --preset native --target qz-isp --parallel $(JOBS)
 	mkdir -p build/report-test
@@ -139,7 +169,7 @@ test-report: report-bundle
 
 # docs/record-layout.svg, from the record's list of blocks.
 pictures:
-	scripts/install-deps.sh test
+	$(INSTALL_DEPS) test
 	cmake --preset native > /dev/null
 	cmake --build --preset native --target record_picture
 	cp build/native/tests/shipped/record-layout.svg docs/

@@ -1,5 +1,5 @@
-# Compile and link flags: hardening for all that is built here, one interface library for the code that ships in the
-# device's libraries, and one for the programs and tests around them.
+# Compile and link flags: hardening or sanitizers for all that is built here, one interface library for the code that
+# ships in the device's libraries, and one for the desk, the programs and the tests around them.
 
 set(CMAKE_C_STANDARD 99)
 set(CMAKE_CXX_STANDARD 20)
@@ -18,10 +18,16 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 include(CheckPIESupported)
 check_pie_supported()
 
-# Fortified calls need an optimising build, and are in a sanitizer's way.
-set(QZ_ISP_FORTIFIED $<AND:$<NOT:$<CONFIG:Debug>>,$<NOT:$<BOOL:${QZ_ISP_SANITIZED}>>>)
-add_compile_options(-fstack-protector-strong "$<${QZ_ISP_FORTIFIED}:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+add_compile_options(-fstack-protector-strong)
 add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack)
+if(QZ_ISP_SANITIZE)
+  add_compile_options(-O1 -g1 -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_compile_options(-fsanitize=${QZ_ISP_SANITIZE})
+  add_link_options(-fsanitize=${QZ_ISP_SANITIZE})
+else()
+  # Fortified calls need an optimising build, and are in a sanitizer's way.
+  add_compile_options("$<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+endif()
 
 # What is built finds its libraries wherever the build tree lies; LD_LIBRARY_PATH can still put others first.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
@@ -37,7 +43,7 @@ target_link_libraries(qz_isp_library_flags INTERFACE qz_isp_warnings)
 target_compile_options(qz_isp_library_flags INTERFACE -ffp-contract=off -fno-math-errno -fno-trapping-math
                                                       $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti>)
 target_link_options(qz_isp_library_flags INTERFACE -Wl,--as-needed)
-if(NOT QZ_ISP_SANITIZED)
+if(NOT QZ_ISP_SANITIZE)
   target_link_options(qz_isp_library_flags INTERFACE -Wl,--no-undefined,-z,text)
 endif()
 
@@ -47,3 +53,19 @@ if(QZ_ISP_COVERAGE)
   target_compile_definitions(qz_isp_library_flags INTERFACE QZ_COVERAGE)
   add_link_options(--coverage)
 endif()
+
+# Formatting, JSON and test headers cost most of the build where they are optimised, or watched for undefined behaviour,
+# which the fuzz targets do for the desk. What has to be fast is named: qz_isp_fast_sources(source...)
+add_library(qz_isp_program_flags INTERFACE)
+target_link_libraries(qz_isp_program_flags INTERFACE qz_isp_warnings)
+if(NOT QZ_ISP_SANITIZE)
+  target_compile_options(qz_isp_program_flags INTERFACE $<$<NOT:$<CONFIG:Debug>>:-O1>)
+else()
+  target_compile_options(qz_isp_program_flags INTERFACE -O0)
+  if(NOT QZ_ISP_FUZZ)
+    target_compile_options(qz_isp_program_flags INTERFACE -fno-sanitize=undefined,float-cast-overflow)
+  endif()
+endif()
+function(qz_isp_fast_sources)
+  set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS $<$<CONFIG:Release>:-O3>)
+endfunction()

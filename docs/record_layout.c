@@ -17,66 +17,30 @@ static const char line[] = "#444";
 /* Lens shading tables of a full-size frame of an 8-megapixel sensor. */
 enum { sample_columns = 27, sample_rows = 21 };
 
-/* Who fills a block. */
-enum group { colours, noise_detail, long_table, copied, lens_shading, groups };
-static const char *const fill[groups] = {"#f6c28b", "#a8d5a2", "#a9c7ec", "#d3d3d3", "#e3b7e0"};
-static const char *const dark[groups] = {"#eda45c", "#83bf7b", "#85add9", "#b4b4b4", "#b56bb0"};
-static const char *const meaning[groups] = {"colour and gamma", "noise and detail", "long tuning tables",
-                                            "copied and fixed", "lens shading"};
-
-#define GROUP_white_balance colours
-#define GROUP_defect_pixel noise_detail
-#define GROUP_long_3 long_table
-#define GROUP_yuv_to_rgb colours
-#define GROUP_temporal_noise_reduction noise_detail
-#define GROUP_rec_3 copied
-#define GROUP_y_edge_enhancement noise_detail
-#define GROUP_fringe_control noise_detail
-#define GROUP_block_9 copied
-#define GROUP_chroma_nr noise_detail
-#define GROUP_ctc colours
-#define GROUP_rec_13_a copied
-#define GROUP_rec_13_b copied
-#define GROUP_edge_enhancement noise_detail
-#define GROUP_macc colours
-#define GROUP_macc_shift colours
-#define GROUP_noise_reduction noise_detail
-#define GROUP_black_level noise_detail
-#define GROUP_xnr noise_detail
-#define GROUP_rgb_to_yuv copied
-#define GROUP_rec_16 copied
-#define GROUP_block_21 copied
-#define GROUP_block_22 copied
-#define GROUP_block_23 copied
-#define GROUP_long_5 long_table
-#define GROUP_long_6 long_table
-#define GROUP_long_7 long_table
-#define GROUP_long_13 long_table
-#define GROUP_long_11 long_table
-#define GROUP_long_12 long_table
-#define GROUP_frame_counter copied
-#define GROUP_gamma_0 colours
-#define GROUP_gamma_1 colours
-#define GROUP_gamma_2 colours
-#define GROUP_lens_shading lens_shading
+/* The families of AIC_BLOCKS. */
+enum family { colour, noise_detail, long_table, copied, lens_shading, families };
+static const char *const fill[families] = {"#f6c28b", "#a8d5a2", "#a9c7ec", "#d3d3d3", "#e3b7e0"};
+static const char *const dark[families] = {"#eda45c", "#83bf7b", "#85add9", "#b4b4b4", "#b56bb0"};
+static const char *const meaning[families] = {"colour and gamma", "noise and detail", "long tuning tables",
+                                              "copied and fixed", "lens shading"};
 
 struct block {
     const char *name;
-    enum group group;
+    enum family family;
     uint32_t id;
     uint32_t size;
     uint32_t offset;
 };
 
-#define BLOCK(name, id, size, offset) {#name, GROUP_##name, id, size, offset},
+#define BLOCK(name, id, size, offset, payload, padding, family) {#name, family, id, size, offset},
 static const struct block blocks[] = {AIC_BLOCKS(BLOCK)};
 enum { block_count = sizeof blocks / sizeof blocks[0] };
 
-static void rectangle(double x, double y, double w, double h, const char *colour, const char *outline)
+static void rectangle(double x, double y, double w, double h, const char *paint, const char *outline)
 {
     printf("<rect x=\"%.2f\" y=\"%.2f\" width=\"%.2f\" height=\"%.2f\" fill=\"%s\" stroke=\"%s\" "
            "stroke-width=\"0.8\"/>\n",
-           x, y, w, h, colour, outline);
+           x, y, w, h, paint, outline);
 }
 
 static void text(double x, double y, const char *anchor, const char *content)
@@ -92,7 +56,7 @@ static void text_bytes(double x, double y, const char *anchor, uint32_t bytes)
 }
 
 /* Bytes begin to end, in as many rows as they touch. */
-static void draw_bytes(uint32_t begin, uint32_t end, const char *colour, const char *outline)
+static void draw_bytes(uint32_t begin, uint32_t end, const char *paint, const char *outline)
 {
     while (begin < end) {
         const uint32_t row = begin / row_bytes;
@@ -100,7 +64,7 @@ static void draw_bytes(uint32_t begin, uint32_t end, const char *colour, const c
         const uint32_t stop = end < row_end ? end : row_end;
         const double scale = (double)width / row_bytes;
         rectangle(left + begin % row_bytes * scale, rows_top + row * (double)row_height, (stop - begin) * scale,
-                  row_height - 3, colour, outline);
+                  row_height - 3, paint, outline);
         begin = stop;
     }
 }
@@ -131,8 +95,8 @@ static void draw_fixed_part(void)
     for (size_t i = 0; i < block_count - 1; ++i) {
         const struct block *block = &blocks[i];
         draw_bytes(block->offset + block->size, blocks[i + 1].offset, "#ffffff", line);
-        draw_bytes(block->offset, block->offset + block->size, fill[block->group], "none");
-        draw_bytes(block->offset, block->offset + header_bytes, dark[block->group], "none");
+        draw_bytes(block->offset, block->offset + block->size, fill[block->family], "none");
+        draw_bytes(block->offset, block->offset + header_bytes, dark[block->family], "none");
         draw_bytes(block->offset, block->offset + block->size, "none", line);
         draw_label(block);
     }
@@ -171,9 +135,9 @@ static void draw_strip(void)
 static void draw_legend(void)
 {
     double x = left;
-    for (int group = 0; group < groups; ++group) {
-        rectangle(x, legend_top - 12, 14, 14, fill[group], line);
-        text(x + 20, legend_top, "start", meaning[group]);
+    for (int family = 0; family < families; ++family) {
+        rectangle(x, legend_top - 12, 14, 14, fill[family], line);
+        text(x + 20, legend_top, "start", meaning[family]);
         x += 150;
     }
 }

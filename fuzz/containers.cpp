@@ -4,29 +4,33 @@
 #include <cstring>
 #include <vector>
 
+#include "qz_isp/tuning_layout.h"
+
 namespace fuzz {
 namespace {
 
 constexpr char tag[4] = {'V', 'U', 'X', 'B'};
 constexpr size_t container_header = 24;
 constexpr size_t record_header = 8;
-constexpr uint16_t first_set_container = 64513;
-constexpr uint16_t last_set_container = 64520; // each index costs the library 3 tuning sets
-constexpr uint16_t rules = 709;
+constexpr uint16_t first_set_container = ISP_SET_CONTAINER_BASE + 1;
+constexpr uint16_t last_set_container = ISP_SET_CONTAINER_BASE + 8; // each index costs the library 3 tuning sets
 
 std::vector<uint16_t> list_known_ids()
 {
-    constexpr uint16_t offsets_320[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 20};
-    constexpr uint16_t set_distance = 64;
-    std::vector<uint16_t> ids;
-    for (uint16_t set = 0; set < 3; ++set) {
-        for (const uint16_t offset : offsets_320)
-            ids.push_back(static_cast<uint16_t>(320 + set * set_distance + offset));
-        for (uint16_t offset = 1; offset <= 16; ++offset)
-            for (const int base : {768, 1536})
-                ids.push_back(static_cast<uint16_t>(base + set * set_distance + offset));
+    struct in_families {
+        uint8_t in_320, in_768, in_1536;
+    };
+#define FUZZ_OFFSETS(name, slot, in_320, in_768, in_1536, layout, start, part, size) {in_320, in_768, in_1536},
+#define FUZZ_DROPPED(offset) {offset, offset, offset},
+    constexpr in_families offsets[] = {ISP_TUNING_RECORDS(FUZZ_OFFSETS) ISP_TUNING_DROPPED_IN_320(FUZZ_DROPPED)};
+
+    std::vector<uint16_t> ids = {ISP_RULES_ID};
+    for (const in_families &offset : offsets) {
+#define FUZZ_ID(family, first, set)                                                                                    \
+    if (offset.in_##family != 0)                                                                                       \
+        ids.push_back(static_cast<uint16_t>((first) + offset.in_##family));
+        ISP_TUNING_GROUPS(FUZZ_ID)
     }
-    ids.push_back(rules);
     for (uint16_t id = first_set_container; id <= last_set_container; ++id)
         ids.push_back(id);
     std::ranges::sort(ids);

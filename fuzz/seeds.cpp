@@ -3,24 +3,31 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "desk/base/json_parse.h"
+#include "desk/makernote/file.h"
+#include "desk/run/session.h"
+#include "desk/scene/scene.h"
+#include "desk/tuning/layout.h"
+#include "desk/tuning/pack.h"
+#include "desk/tuning/to_json.h"
 #include "frame_bytes.h"
-#include "json.h"
-#include "makernote_file.h"
-#include "sample.h"
-#include "scene.h"
-#include "session.h"
-#include "tuning_source.h"
+#include "tools/sample/sample.h"
 
 namespace {
 
-namespace tool = qz::tool;
-using tool::byte_buffer;
-using tool::json;
+namespace desk = qz::desk;
+using desk::byte_buffer;
+using desk::json;
 
 class corpus {
   public:
@@ -29,8 +36,11 @@ class corpus {
         std::filesystem::create_directories(directory_);
     }
 
-    void add(const std::string &name, tool::byte_view bytes) const { tool::write_file(directory_ / name, bytes); }
-    void add(const std::string &name, const std::string &text) const { tool::write_text(directory_ / name, text); }
+    void add(const std::string &name, desk::byte_view bytes) const { add(name, desk::text_of(bytes)); }
+    void add(const std::string &name, std::string_view text) const
+    {
+        std::ofstream(directory_ / name, std::ios::binary) << text;
+    }
 
   private:
     std::filesystem::path directory_;
@@ -52,7 +62,7 @@ void append(byte_buffer &bytes, const std::vector<float> &samples)
 // The sample tuning, each of its records in a container of its own, and set containers in one another.
 std::vector<json> tuning_sources()
 {
-    const json whole = tool::parse_json("sample", tool::sample_tuning);
+    const json whole = desk::parse_json("sample", qz::tool::sample_tuning);
     std::vector<json> sources = {whole};
     for (const json &record : whole.at("records"))
         sources.push_back({{"records", json::array({record})}});
@@ -64,7 +74,7 @@ std::vector<json> tuning_sources()
     return sources;
 }
 
-fuzz::frame_bytes frame_of(const tool::frame_inputs &inputs)
+fuzz::frame_bytes frame_of(const desk::frame_inputs &inputs)
 {
     fuzz::frame_bytes frame = {};
     frame.controls = inputs.controls;
@@ -85,7 +95,7 @@ fuzz::frame_bytes frame_of(const tool::frame_inputs &inputs)
 }
 
 // One curve's or grid's samples serve all channels.
-byte_buffer samples_of(const tool::frame_inputs &inputs)
+byte_buffer samples_of(const desk::frame_inputs &inputs)
 {
     byte_buffer samples;
     if (inputs.gamma && inputs.gamma->curves[0])
@@ -96,7 +106,7 @@ byte_buffer samples_of(const tool::frame_inputs &inputs)
 }
 
 // Some of the scene's frames, one after the other.
-byte_buffer frames_on(tool::byte_view container, const tool::scene &scene, std::span<const tool::frame_inputs> frames)
+byte_buffer frames_on(desk::byte_view container, const desk::scene &scene, std::span<const desk::frame_inputs> frames)
 {
     const byte_buffer samples = samples_of(frames[0]);
     fuzz::setup_bytes setup = {};
@@ -107,7 +117,7 @@ byte_buffer frames_on(tool::byte_view container, const tool::scene &scene, std::
     setup.sensor = scene.cmc.value().sensor_description.value();
     byte_buffer bytes;
     append(bytes, setup);
-    for (const tool::frame_inputs &frame : frames)
+    for (const desk::frame_inputs &frame : frames)
         append(bytes, frame_of(frame));
     bytes.insert(bytes.end(), samples.begin(), samples.end());
     bytes.insert(bytes.end(), container.begin(), container.end());
@@ -116,7 +126,7 @@ byte_buffer frames_on(tool::byte_view container, const tool::scene &scene, std::
 
 void write_scenes(const corpus &to)
 {
-    const json whole = tool::parse_json("sample", tool::sample_scene);
+    const json whole = desk::parse_json("sample", qz::tool::sample_scene);
     json around = whole;
     around["frames"] = {json::object()};
     to.add("without-frames", around.dump());
@@ -144,11 +154,11 @@ void write_calls(const corpus &to, const std::vector<float> &gains)
 }
 
 // The sample's records and makernote.
-void write_dumps(const corpus &to, const tool::scene &scene)
+void write_dumps(const corpus &to, const desk::scene &scene)
 {
-    tool::isp_session session(tool::pack_container("sample", tool::sample_tuning), "sample", scene);
-    for (const tool::frame_inputs &frame : scene.frames) {
-        const tool::record_snapshot snapshot = session.run(frame);
+    desk::isp_session session(desk::pack_container("sample", qz::tool::sample_tuning), "sample", scene);
+    for (const desk::frame_inputs &frame : scene.frames) {
+        const desk::record_snapshot snapshot = session.run(frame);
         byte_buffer record;
         append(record, snapshot.record);
         to.add("whole-" + frame.name, record);
@@ -161,17 +171,39 @@ void write_dumps(const corpus &to, const tool::scene &scene)
     const uint16_t values[] = {1, 2, 3};
     qz_mkn_add_record(makernote, QZ_MKN_U16, 512, values, 3, nullptr);
     qz_mkn_add_record(makernote, QZ_MKN_TEXT, 538, "text", 4, "key");
-    to.add("makernote", tool::save_makernote(makernote));
+    to.add("makernote", desk::save_makernote(makernote));
     qz_mkn_destroy(makernote);
+}
+
+// What the lists of tuning records add to the dictionaries: a header for every id, with the size of a record of one row
+// or of its values, and the names.
+void write_dictionaries(const corpus &to)
+{
+    std::string headers;
+    std::string names;
+    for (const desk::record_kind &kind : desk::record_kinds()) {
+        names += fmt::format("\"\\\"{}\\\"\"\n", kind.name);
+        for (const uint16_t family : std::initializer_list<uint16_t>{320, 768, 1536})
+            for (uint8_t set = 0; set < 3; ++set)
+                if (const std::optional<uint16_t> id = desk::id_of(kind, family, set)) {
+                    const isp_record header = {kind.start + (kind.fields.empty() ? 0 : kind.size), 100, 0, *id};
+                    byte_buffer bytes;
+                    append(bytes, header);
+                    headers += fmt::format("\"\\x{:02x}\"\n", fmt::join(bytes, "\\x"));
+                }
+    }
+    to.add("binary.dict", headers);
+    to.add("json.dict", names);
 }
 
 void write_all(const std::filesystem::path &directory)
 {
-    const tool::scene scene = tool::read_scene("sample", tool::sample_scene);
+    write_dictionaries(corpus(directory, "dictionaries"));
+    const desk::scene scene = desk::read_scene("sample", qz::tool::sample_scene);
     size_t number = 0;
     for (const json &source : tuning_sources()) {
         const std::string name = "tuning-" + std::to_string(number++);
-        const byte_buffer container = tool::pack_container(name, source.dump());
+        const byte_buffer container = desk::pack_container(name, source.dump());
         corpus(directory, "container").add(name, container);
         corpus(directory, "tool_tuning").add(name, container);
         corpus(directory, "tool_tuning").add(name + ".json", source.dump());

@@ -2,27 +2,28 @@
 // explained.
 #include <string_view>
 
-#include "error.h"
-#include "explain.h"
+#include "desk/base/error.h"
+#include "desk/explain/explain.h"
+#include "desk/run/session.h"
+#include "desk/tuning/pack.h"
 #include "input.h"
-#include "sample.h"
-#include "session.h"
-#include "tuning_source.h"
+#include "tools/sample/sample.h"
 
 namespace {
 
-namespace tool = qz::tool;
+namespace desk = qz::desk;
 
-void run_frames(const tool::scene &scene)
+void run_frames(const desk::scene &scene)
 {
-    static const tool::byte_buffer tuning = tool::pack_container("sample", tool::sample_tuning);
+    static const desk::byte_buffer tuning = desk::pack_container("sample", qz::tool::sample_tuning);
     constexpr uint64_t enough_cells = 100'000;
     if (uint64_t{scene.grid_width} * scene.grid_height > enough_cells)
         return;
-    tool::isp_session session(tuning, "sample", scene);
-    for (const tool::frame_inputs &frame : scene.frames) {
-        const tool::record_snapshot record = session.run(frame);
-        tool::explain_frame(session, frame, record);
+    desk::isp_session session(tuning, "sample", scene);
+    const desk::explainer explainer(session);
+    for (const desk::frame_inputs &frame : scene.frames) {
+        const desk::record_snapshot record = session.run(frame);
+        explainer.explain(frame, record);
     }
 }
 
@@ -32,8 +33,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
 {
     const std::string_view text(reinterpret_cast<const char *>(bytes), size);
     try {
-        run_frames(tool::read_scene("input", text));
-    } catch (const tool::file_error &) {
+        run_frames(desk::read_scene("input", text));
+    } catch (const desk::error &) {
         return 0;
     }
     return 0;

@@ -2,33 +2,35 @@
 // form, and it refuses what the library refuses.
 #include <algorithm>
 
-#include "error.h"
-#include "explain.h"
+#include "desk/base/error.h"
+#include "desk/explain/explain.h"
+#include "desk/tuning/load.h"
+#include "desk/tuning/pack.h"
+#include "desk/tuning/to_json.h"
 #include "input.h"
 #include "qz_isp/context.h"
-#include "tuning_source.h"
 
 namespace {
 
-namespace tool = qz::tool;
+namespace desk = qz::desk;
 
 // Where a frame's values come from can be told for whatever the library accepts.
-void explain(tool::byte_view bytes)
+void explain(desk::byte_view bytes)
 {
-    tool::frame_inputs inputs = {};
+    desk::frame_inputs inputs = {};
     inputs.frame = isp_frame_desc{{{}, 640, 480}, 1, 1, 1, 1};
     inputs.aux_size = isp_geometry{{}, 320, 240};
     inputs.controls.tuning_mode = bytes[4] % 4u; // not read by the library
     inputs.controls.nr_mode = 2;
     inputs.controls.edge_mode = 1;
-    tool::isp_session session({bytes.begin(), bytes.end()}, "input", {});
-    const tool::frame_origin origin = tool::explain_frame(session, inputs, session.run(inputs));
-    for (const tool::block_origin &block : origin.blocks)
+    desk::isp_session session({bytes.begin(), bytes.end()}, "input", {});
+    const desk::frame_origin origin = desk::explainer(session).explain(inputs, session.run(inputs));
+    for (const desk::block_origin &block : origin.blocks)
         fuzz::expect(!block.rows || std::max(block.rows->lower, block.rows->upper) < block.rows->count,
                      "rows around the gain are rows of the record");
 }
 
-bool library_accepts(tool::byte_view container)
+bool library_accepts(desk::byte_view container)
 {
     const isp_blob blob = {container.data(), static_cast<uint32_t>(container.size())};
     isp_context *context = qz_isp_2_7_init(&blob, 1, 1, nullptr, nullptr);
@@ -36,15 +38,15 @@ bool library_accepts(tool::byte_view container)
     return context != nullptr;
 }
 
-void check(tool::byte_view bytes)
+void check(desk::byte_view bytes)
 {
-    const tool::tuning_container container = tool::read_container("input", bytes);
+    const desk::tuning_container container = desk::read_container("input", bytes);
     fuzz::expect(library_accepts(bytes) != container.has_errors(), "problems are what the library refuses");
     if (!container.has_errors())
         explain(bytes);
-    for (const tool::tuning_problem &problem : container.problems)
+    for (const desk::tuning_problem &problem : container.problems)
         fuzz::expect(problem.offset < bytes.size(), "problems lie in the file");
-    const tool::byte_buffer packed = tool::pack_container("source", tool::container_source(container));
+    const desk::byte_buffer packed = desk::pack_container("source", desk::container_source(container));
     fuzz::expect(std::ranges::equal(packed, bytes), "packing a container's source gives the container");
 }
 
@@ -52,11 +54,11 @@ void check(tool::byte_view bytes)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
 {
-    tool::byte_buffer container;
+    desk::byte_buffer container;
     try {
-        container = tool::container_bytes("input", {bytes, bytes + size});
-        tool::read_container("input", container);
-    } catch (const tool::file_error &) {
+        container = desk::container_bytes("input", {bytes, bytes + size});
+        desk::read_container("input", container);
+    } catch (const desk::error &) {
         return 0;
     }
     check(container);
