@@ -1,7 +1,5 @@
 #include "desk/base/error.h"
 
-#include <utility>
-
 namespace qz::desk {
 
 std::string error_text(const error &what)
@@ -12,10 +10,10 @@ std::string error_text(const error &what)
     return what.expected.empty() ? text + what.found : text + "found " + what.found + ", expected " + what.expected;
 }
 
-void fail(error what)
+void fail(const error &what)
 {
 #ifdef __cpp_exceptions
-    throw std::move(what); // NOLINT(*-exception-escape): the way out
+    throw what; // NOLINT(*-exception-escape): the way out
 #else
     qz_isp_desk_failed(error_text(what).c_str());
 #endif

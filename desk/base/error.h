@@ -18,7 +18,7 @@ std::string error_text(const error &what);
 
 // Throws the error. Where the compiler has no exceptions, the host has to define qz_isp_desk_failed(), which gets the
 // text and does not return.
-[[noreturn]] void fail(error what);
+[[noreturn]] void fail(const error &what);
 
 } // namespace qz::desk
 
