@@ -17,28 +17,6 @@ byte_buffer dump_of(const std::vector<record_snapshot> &records)
     return dump;
 }
 
-TEST(record_dump, reads_back_as_what_was_run)
-{
-    const std::vector<record_snapshot> ran = sample_records();
-    const std::vector<record_snapshot> read = read_records("dump", dump_of(ran));
-    ASSERT_EQ(read.size(), ran.size());
-    for (size_t i = 0; i < ran.size(); ++i) {
-        for (const block_layout &block : record_blocks())
-            for (const field &described : block.fields)
-                EXPECT_EQ(field_values(read[i], block, described), field_values(ran[i], block, described))
-                    << i << block.name << described.name;
-        // The bytes in use end 40 bytes, 20 entries, before the last table does.
-        for (size_t channel = 0; channel < shading_channels; ++channel) {
-            const shading_table whole = shading_channel(ran[i], channel);
-            const shading_table held = shading_channel(read[i], channel);
-            ASSERT_EQ(held.entries.size(), whole.entries.size() - (channel == 3 ? 20 : 0));
-            EXPECT_TRUE(std::ranges::equal(held.entries, whole.entries.first(held.entries.size())));
-            EXPECT_EQ(held.at(whole.rows - 1, whole.columns - 1).has_value(), channel != 3);
-            EXPECT_EQ(held.at(0, 1), whole.entries[1]);
-        }
-    }
-}
-
 TEST(record_dump, is_told_apart_by_what_follows_the_first_record)
 {
     byte_buffer fixed = dump_of({sample_records()[0]});
@@ -93,32 +71,6 @@ TEST(record_dump, and_makernote_cut_anywhere_are_refused_with_an_offset)
     longer.push_back(0);
     EXPECT_TRUE(
         contains(error_of([&] { read_makernote("m", longer); }), ": found 1 more bytes, expected the end, after "));
-}
-
-TEST(makernote_file, holds_the_blocks_of_every_frame)
-{
-    qz_mkn *created = qz_mkn_create();
-    const std::vector<record_snapshot> records = sample_records(created);
-    const byte_buffer saved = save_makernote(created);
-    qz_mkn_destroy(created);
-    const saved_makernote read = read_makernote("m", saved);
-    EXPECT_EQ(read.dropped, 0u);
-    EXPECT_TRUE(read.records[0].is_text());
-    EXPECT_EQ(read.records[0].text(), "QZ_ISP 2.6.1 v2.0_012.000_002");
-    EXPECT_EQ(read.records[0].key.size(), 16u);
-    EXPECT_EQ(makernote_record_name(512), "white_balance");
-    EXPECT_EQ(makernote_record_name(1), "");
-    EXPECT_EQ(makernote_format_name(QZ_MKN_I16), "i16");
-    size_t frame = 0;
-    for (const makernote_record &record : read.records) {
-        if (record.name != 514)
-            continue;
-        const auto &level = records.at(frame++).record.black_level.payload.level;
-        std::vector<int64_t> expected(std::begin(level), std::end(level));
-        expected.push_back(frame == 1 ? 0 : 18); // the next block's id, as the frame before left it
-        EXPECT_EQ(record.values(), expected);
-    }
-    EXPECT_EQ(frame, records.size());
 }
 
 } // namespace

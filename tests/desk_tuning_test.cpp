@@ -2,7 +2,6 @@
 #include <cstring>
 #include <nlohmann/json.hpp>
 #include <random>
-#include <set>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -206,40 +205,6 @@ TEST(tuning_source, dropped_and_skipped_records_are_no_problem)
     const tuning_container container = read_container("test", bytes);
     EXPECT_EQ(container.list.records.size(), 5u);
     EXPECT_TRUE(container.problems.empty());
-}
-
-TEST(sample, has_every_record_kind_of_every_family_and_nothing_wrong)
-{
-    const byte_buffer bytes = pack_container("sample", qz::tool::sample_tuning);
-    const tuning_container container = read_container("sample", bytes);
-    EXPECT_TRUE(container.problems.empty());
-
-    std::set<std::pair<std::string_view, int>> kinds;
-    std::set<int> sets;
-    std::set<int> indices;
-    std::set<int> fringe_versions;
-    for (const tuning_record &record : container.list.records) {
-        if (record.is_set_container) {
-            indices.insert(record.id - set_container_base);
-            EXPECT_FALSE(record.nested.records.empty());
-            continue;
-        }
-        if (record.id == rules_id)
-            continue;
-        ASSERT_TRUE(record.place && record.place->kind != nullptr) << record.id;
-        kinds.emplace(record.place->kind->name, record.place->family);
-        sets.insert(record.place->set);
-        if (record.place->kind->name == "fringe_control")
-            fringe_versions.insert(record.version);
-    }
-    for (const record_kind &kind : record_kinds()) {
-        for (const int family : {320, 768, 1536})
-            EXPECT_EQ(kinds.contains({kind.name, family}), id_of(kind, static_cast<uint16_t>(family), 0).has_value())
-                << kind.name << family;
-    }
-    EXPECT_EQ(sets, (std::set{0, 1, 2}));
-    EXPECT_EQ(indices, (std::set{1, 2}));
-    EXPECT_EQ(fringe_versions, (std::set{100, 101, 102}));
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 // The program from outside: its commands, output, errors and exit codes.
 #include <algorithm>
-#include <cstring>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -8,9 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "program.h"
-#include "qz_isp/aic_record.h"
 #include "tools/base/report_page.h"
-#include "tools/sample/sample.h"
 
 using nlohmann::json;
 
@@ -34,41 +31,6 @@ std::map<std::string, json> fields_by_block(const json &frame)
     return blocks;
 }
 
-uint32_t word_at(const std::string &bytes, size_t offset)
-{
-    uint32_t word = 0;
-    std::memcpy(&word, bytes.data() + offset, sizeof word);
-    return word;
-}
-
-// Worked out from the sample: gains 1.98 and 1.53 times 65536 truncated, halved; records of set index 2 and set 2.
-TEST_F(program, json_and_raw_tell_the_same_record)
-{
-    const json shown = frame("--frame 0");
-    EXPECT_EQ(run("run --frame preview --raw record").code, 0);
-    const std::string bytes = text_of("record");
-    ASSERT_EQ(bytes.size(), shown.at("bytes_used").get<size_t>());
-
-    uint32_t offset = 0;
-    for (const json &block : shown.at("blocks")) {
-        EXPECT_EQ(block.at("offset"), offset);
-        EXPECT_EQ(word_at(bytes, offset), block.at("id"));
-        EXPECT_EQ(word_at(bytes, offset + 4), block.at("size"));
-        offset += (block.at("size").get<uint32_t>() + 7) / 8 * 8;
-    }
-    std::map<std::string, json> fields = fields_by_block(shown);
-    EXPECT_EQ(fields["gamma_1"]["table"].size(), 256u);
-    EXPECT_EQ(fields_by_block(frame("--frame video"))["gamma_1"]["table"].size(), 257u);
-    EXPECT_EQ(word_at(bytes, 12), fields["white_balance"]["gain"][0]);
-    EXPECT_EQ(word_at(bytes, AIC_FIXED_SIZE + 32), AIC_FIXED_SIZE + 48);
-    const json &first_row = fields["lens_shading"]["tables"][0][0];
-    EXPECT_EQ(word_at(bytes, AIC_FIXED_SIZE + 48), first_row[0].get<uint32_t>() | first_row[1].get<uint32_t>() << 16);
-
-    EXPECT_EQ(run("run --raw - --frame preview").out, bytes);
-    EXPECT_EQ(run("run --raw every --frame all").code, 0);
-    EXPECT_EQ(text_of("every").substr(0, bytes.size()), bytes);
-}
-
 TEST_F(program, runs_files_of_its_user)
 {
     write("tuning.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "rows": [[256, 10], [1024, 40]]}]})");
@@ -82,6 +44,8 @@ TEST_F(program, runs_files_of_its_user)
         EXPECT_EQ(fields["temporal_noise_reduction"]["param"], (json{32768, 32, 32}));
         EXPECT_FALSE(fields.contains("lens_shading"));
     }
+    EXPECT_EQ(run("run --raw record --frame preview").code, 0);
+    EXPECT_EQ(text_of("record"), run("run --raw - --frame 0").out);
 }
 
 TEST_F(program, shows_what_is_wrong_with_a_container)
