@@ -3,7 +3,6 @@
 
 #include <array>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -36,36 +35,15 @@ class camera {
         return *output.record;
     }
 
-    // The makernote records of the last frame.
-    std::vector<qz_mkn_record> records() const
-    {
-        std::vector<qz_mkn_record> all;
-        qz_mkn_record record = {};
-        for (uint32_t i = first_frame_record_; qz_mkn_get_record(mkn, i, &record); ++i)
-            all.push_back(record);
-        return all;
-    }
-
-    // The same as "format:name:count".
+    // The makernote records of the last frame as "format:name:count".
     std::string makernote() const
     {
         std::string all;
-        for (const qz_mkn_record &record : records())
+        qz_mkn_record record = {};
+        for (uint32_t i = first_frame_record_; qz_mkn_get_record(mkn, i, &record); ++i)
             all += std::to_string(record.format) + ':' + std::to_string(record.name) + ':' +
                    std::to_string(record.count) + ' ';
         return all;
-    }
-
-    template <typename T>
-    std::vector<T> record(uint32_t name) const
-    {
-        for (const qz_mkn_record &record : records())
-            if (record.name == name) {
-                std::vector<T> values(record.size / sizeof(T));
-                std::memcpy(values.data(), record.data, record.size);
-                return values;
-            }
-        return {};
     }
 
   private:

@@ -40,68 +40,19 @@ TEST(run, arguments_and_missing_inputs)
     EXPECT_EQ(output.record->white_balance.id, 0u);
 }
 
-// Inputs of a frame with lens shading.
-struct shaded_frame {
-    std::array<float, 4> gains = {1.0f, 1.0f, 1.0f, 1.0f};
-    isp_lsc_params lsc = {{gains.data(), gains.data(), gains.data(), gains.data()}, 2, 2, 1, {}};
-    isp_frame_desc frame = {{{11, 12}, 3264, 2448}, 3, 2, 5, 4};
-    isp_input_params input = all_on;
-
-    shaded_frame()
-    {
-        input.frame = &frame;
-        input.lsc = &lsc;
-    }
-};
-
-TEST(run, makernote_of_a_frame_with_everything_on)
-{
-    camera one;
-    shaded_frame shaded;
-    isp_input_params &input = shaded.input;
-    input.gamma_257 = 1;
-    input.brightness = -1;
-    input.contrast = 2;
-    input.hue = -3;
-    input.saturation = 4;
-    input.effects = 0x100;
-    input.nr_mode = 0x1fe;
-    input.nr_strength = -5;
-    input.edge_mode = 0x103;
-    input.sharpness = 6;
-    one.run(input);
-    one.run(input);
-    EXPECT_EQ(one.makernote(),
-              "6:512:5 6:517:6 6:546:7 5:537:10 6:520:3 4:530:3 4:541:4 5:531:13 4:545:1 4:532:8 4:533:11 4:535:2 "
-              "6:519:3 3:524:64 2:542:1 6:518:5 6:514:5 4:521:1 6:523:6 2:516:2 4:547:145 4:549:295 4:550:62 4:551:6 "
-              "4:553:14 4:554:97 2:540:1 2:540:1 2:540:1 4:534:257 6:527:6 4:66064:2268 4:528:54 1:543:9 4:544:8 ");
-    EXPECT_EQ(one.record<int8_t>(543), (std::vector<int8_t>{-1, 2, -3, 4, 9, -2, -5, 3, 6}));
-    EXPECT_EQ(one.record<uint16_t>(544), (std::vector<uint16_t>{11, 12, 3264, 2448, 3, 2, 5, 4}));
-    EXPECT_EQ(one.record<int32_t>(531),
-              (std::vector<int32_t>{1, 4096, 4096, 4096, 4096, 8191, 8191, -8192, -8192, 0, 0, 0, 0}));
-    EXPECT_EQ(one.record<uint32_t>(514).back(), 18u); // the next block's id
-    EXPECT_EQ(one.record<uint16_t>(66064), std::vector<uint16_t>(2268, 256));
-    for (const qz_mkn_record &record : one.records())
-        EXPECT_EQ(record.key, nullptr);
-
-    for (const uint32_t mode : {1u, 2u}) { // 0 counts as 1
-        input.tuning_mode = mode;
-        one.run(input);
-        EXPECT_EQ(one.makernote().find("66064") == std::string::npos, mode == 2);
-    }
-    EXPECT_NE(one.makernote().find("4:528:54"), std::string::npos);
-}
-
 TEST(run, lens_shading_grows_the_record_and_survives_a_failed_frame)
 {
     camera one;
-    shaded_frame shaded;
-    shaded.input.frame = nullptr;
-    const aic_record &record = one.run(shaded.input);
+    const std::array<float, 4> gains = {1.0f, 1.0f, 1.0f, 1.0f};
+    isp_lsc_params lsc = {{gains.data(), gains.data(), gains.data(), gains.data()}, 2, 2, 1, {}};
+    isp_frame_desc frame = {{{}, 3264, 2448}, 3, 2, 5, 4};
+    isp_input_params input = {};
+    input.lsc = &lsc;
+    const aic_record &record = one.run(input);
     EXPECT_EQ(one.output.bytes_used, AIC_FIXED_SIZE + 8);
     EXPECT_EQ(one.makernote().find("4:528"), std::string::npos);
-    shaded.input.frame = &shaded.frame;
-    one.run(shaded.input);
+    input.frame = &frame;
+    one.run(input);
     const aic_lens_shading &block = record.lens_shading.payload;
     const uint32_t size = 8 + 8 * 27 * 21;
     EXPECT_EQ(one.output.bytes_used, AIC_FIXED_SIZE + size);
@@ -118,25 +69,25 @@ TEST(run, lens_shading_grows_the_record_and_survives_a_failed_frame)
     // 422 x 9 entries do not fit, 421 x 9 fill the record; cells of 16 come from a small sensor.
     isp_sensor_description &sensor = *one.context->cmc->sensor_description;
     sensor.width = 10;
-    shaded.frame.size = {{}, 13442, 256};
-    one.run(shaded.input);
+    frame.size = {{}, 13442, 256};
+    one.run(input);
     EXPECT_EQ(block.enable, 0u);
     EXPECT_EQ(one.output.bytes_used, AIC_FIXED_SIZE + size);
     EXPECT_EQ(block.entries[4 * 567], 0);
-    shaded.frame.size.width = 13440;
-    one.run(shaded.input);
+    frame.size.width = 13440;
+    one.run(input);
     EXPECT_EQ(block.enable, 1u);
     EXPECT_EQ(one.output.bytes_used, AIC_FIXED_SIZE + 8 + 8 * 3789);
     EXPECT_EQ(block.entries[4 * 3789 - 1], 256);
 
     // Of an unusable sensor nothing is known: cells of 64 fit again.
     sensor.bit_depth = 32;
-    one.run(shaded.input);
+    one.run(input);
     EXPECT_EQ(block.enable, 1u);
     EXPECT_EQ(block.columns, 106u);
 
-    shaded.lsc.enable = 0;
-    one.run(shaded.input);
+    lsc.enable = 0;
+    one.run(input);
     EXPECT_EQ(one.output.bytes_used, AIC_FIXED_SIZE);
 }
 
@@ -231,57 +182,6 @@ TEST(run, long_5_scales_its_curves_by_the_first_rows_factors)
     EXPECT_EQ(block.curve_b[1], 128u);
     EXPECT_EQ(block.param[0], 77u);
     EXPECT_EQ(block.param[16], 88u);
-}
-
-TEST(run, copied_values_and_the_frame_counter)
-{
-    bytes rec_3;
-    for (const uint16_t value : std::initializer_list<uint16_t>{1, 2, 3})
-        test::append(rec_3, value);
-    camera one(test::join(
-        {test::record(323, rec_3), test::record(333, {10, 0, 11, 0}, 101), test::record(336, {20, 0, 21, 0})}));
-    isp_input_params input = {};
-    input.block9_control = 2;
-    one.run(input);
-    const aic_record &record = one.run(input);
-    EXPECT_EQ(list(record.rec_3.payload.value), (std::vector<uint16_t>{1, 2, 3}));
-    EXPECT_EQ(record.rec_13_a.payload.value, 11);
-    EXPECT_EQ(record.rec_13_b.payload.value, 10);
-    EXPECT_EQ(one.record<uint16_t>(535), (std::vector<uint16_t>{10, 11}));
-    EXPECT_EQ(record.rec_16.payload.value[3], 21u);
-    EXPECT_EQ(record.rec_16.payload.value[4], 20u);
-    EXPECT_EQ(record.rec_16.payload.value[5], 21u);
-    EXPECT_EQ(record.block_9.payload.value, 3u);
-    EXPECT_EQ(record.frame_counter.payload.value, 1u);
-    EXPECT_EQ(one.context->frame_counter, 2u);
-}
-
-TEST(run, each_input_goes_where_it_belongs)
-{
-    // Base sets of the keys 1 and 0, which tell their key; a set of its own for small second geometries.
-    bytes bases;
-    test::append(bases, uint16_t{2});
-    for (const uint16_t key : std::initializer_list<uint16_t>{1, 0}) {
-        test::append(bases, uint16_t{0});
-        test::append(bases, key);
-        for (size_t i = 0; i < 64; ++i)
-            test::append(bases, static_cast<int16_t>(key));
-    }
-    camera one(test::join({test::record(325, bases), test::shorts(323, {1, 1, 1}), test::rules({{2, 2, 1, 100.0}}),
-                           test::set_container(1, test::shorts(323, {2, 2, 2}))}));
-    isp_input_params input = {};
-    const isp_frame_desc frame = {{{}, 50, 50}, 1, 1, 1, 1};
-    const isp_geometry aux_size = {{}, 5, 5};
-    isp_scene_params scene = {};
-    scene.macc_target = 1;
-    input.tuning_mode = 1;
-    input.frame = &frame;
-    EXPECT_EQ(one.run(input).rec_3.payload.value[0], 1);
-    EXPECT_EQ(one.run(input).macc.payload.coeff[0][0], 0);
-    input.aux_size = &aux_size;
-    input.scene = &scene;
-    EXPECT_EQ(one.run(input).rec_3.payload.value[0], 2);
-    EXPECT_EQ(one.run(input).macc.payload.coeff[0][0], 1);
 }
 
 } // namespace
