@@ -69,7 +69,7 @@ uint32_t bicubic_resize_32f_to_u16p10(const float *src, uint16_t src_rows, uint1
                             .down = axis(src_rows, dst_rows),
                             .dst = dst,
                             .size = {.rows = dst_rows, .columns = dst_cols}};
-    qz::run_widest(job);
+    qz::run_doubles(job);
     std::free(buffer);
     return ISP_SUCCESS;
 }

@@ -47,6 +47,22 @@ auto run_widest(const Job &job, Args &&...args)
     return job.template run<target_lanes>(std::forward<Args>(args)...);
 }
 
+// The same for a job whose numbers are doubles. Where they are computed one by one, the compiler must not put them side
+// by side: it is told of a processor that is slower so.
+#if QZ_ONE_BY_ONE
+template <typename Job, typename... Args>
+[[gnu::target("tune=bonnell"), gnu::noinline]] auto run_doubles(const Job &job, Args &&...args)
+{
+    return job.template run<target_lanes>(std::forward<Args>(args)...);
+}
+#else
+template <typename Job, typename... Args>
+auto run_doubles(const Job &job, Args &&...args)
+{
+    return run_widest(job, std::forward<Args>(args)...);
+}
+#endif
+
 template <auto Loop>
 struct loop_job {
     template <int /*Lanes*/, typename... Args>

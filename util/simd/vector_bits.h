@@ -19,6 +19,14 @@
 #define QZ_WIDER_VECTORS 0
 #endif
 
+// Processors of 32-bit targets work in order, and take longer for two doubles side by side than for one after the
+// other.
+#if defined(__i386__) && defined(__SSE2__)
+#define QZ_ONE_BY_ONE 1
+#else
+#define QZ_ONE_BY_ONE 0
+#endif
+
 // 512 (x86-64-v4), 256 (x86-64-v3) or what the compiler's target has; a build can set a limit (QZ_ISP_VECTOR_BITS).
 // A function that is called, never inlined, so that the linker can wrap it: tests try every width up to the machine's.
 extern "C" int qz_vector_bits();
