@@ -16,35 +16,27 @@ inline uint16_t truncate_to_p10(float value)
     return truncate_to_low_16(value * p10_one);
 }
 
-// Ones for values of 2^31 and more, zeros for others and what is not a number: the bits of a float are told apart as an
-// integer's, because compilers take comparisons of wide vectors apart.
+// The low 16 bits of the values of a, then of b, truncated as by truncate_to_low_16().
 template <int Lanes>
-QZ_ALWAYS_INLINE void mask_too_large(int_vec<Lanes> &mask, const vec<Lanes> &value)
+QZ_ALWAYS_INLINE void truncate_to_low_16(short_vec<Lanes> &to, const vec<Lanes> &a, const vec<Lanes> &b)
 {
-    constexpr uint32_t smallest = 0x4f000000;
-    constexpr uint32_t infinite = 0x7f800000;
-    uint_vec<Lanes> bits;
-    same_bits(bits, value);
-    bits -= smallest;
-    bits = ~bits & (bits - (infinite - smallest + 1));
-    same_bits(mask, bits);
-    mask >>= 31;
-}
-
-// The same for the values of a, then those of b.
-template <int Lanes>
-QZ_ALWAYS_INLINE void truncate_to_p10(short_vec<Lanes> &to, const vec<Lanes> &a, const vec<Lanes> &b)
-{
+    constexpr vec<Lanes> beyond = vec<Lanes>{} + 2147483648.0f;
     int_vec<Lanes> low[2];
     for (int i = 0; i < 2; ++i) {
-        const vec<Lanes> value = (i == 0 ? a : b) * p10_one;
+        const vec<Lanes> &value = i == 0 ? a : b;
         int_vec<Lanes> too_large;
         truncate<Lanes>(low[i], value);
-        mask_too_large<Lanes>(too_large, value);
+        at_least<Lanes>(too_large, value, beyond);
         low[i] = (low[i] | too_large) << 16 >> 16;
     }
     pack<Lanes>(to, low[0], low[1]);
     order_packed<Lanes>(to);
+}
+
+template <int Lanes>
+QZ_ALWAYS_INLINE void truncate_to_p10(short_vec<Lanes> &to, const vec<Lanes> &a, const vec<Lanes> &b)
+{
+    truncate_to_low_16<Lanes>(to, a * p10_one, b * p10_one);
 }
 
 } // namespace qz

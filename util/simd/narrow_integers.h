@@ -181,6 +181,22 @@ QZ_ALWAYS_INLINE void truncate(int_vec<Lanes> &to, const vec<Lanes> &from)
                                                                                   : INT32_MIN;
 }
 
+// -1 where a >= b, 0 where not. Compilers take a comparison of vectors apart that are wider than the narrowest
+// target's.
+template <int Lanes>
+QZ_ALWAYS_INLINE void at_least(int_vec<Lanes> &mask, const vec<Lanes> &a, const vec<Lanes> &b)
+{
+#if QZ_WIDE_INSTRUCTIONS
+    constexpr int greater_or_equal = 13;
+    if constexpr (Lanes == 16)
+        mask = __builtin_ia32_cvtmask2d512(__builtin_ia32_cmpps512_mask(a, b, greater_or_equal, -1, 4));
+    if constexpr (Lanes == 8)
+        same_bits(mask, __builtin_ia32_cmpps256(a, b, greater_or_equal));
+#endif
+    if constexpr (Lanes == 4 || !QZ_WIDE_INSTRUCTIONS)
+        mask = a >= b;
+}
+
 // a0 b0 a1 b1 .. of the lower halves of every quad, or of the upper ones.
 template <int Lanes, bool Upper, int... Element>
 QZ_ALWAYS_INLINE void interleave_elements(short_vec<Lanes> &to, const short_vec<Lanes> &a, const short_vec<Lanes> &b,
