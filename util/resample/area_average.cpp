@@ -64,8 +64,8 @@ struct column_group {
 // Columns past dst_width repeat the last one. The numbers of whole samples under two columns differ by 2 at most, where
 // a step of nearly a whole number is rounded, and a last one may be there in part: a tail is no longer than 3 samples.
 template <int Lanes>
-void place_group(column_group<Lanes> &group, const footprint_axis &across, uint32_t origin, uint32_t column,
-                 uint32_t dst_width)
+[[gnu::noinline]] void place_group(column_group<Lanes> &group, const footprint_axis &across, uint32_t origin,
+                                   uint32_t column, uint32_t dst_width)
 {
     footprint prints[Lanes];
     uint32_t whole = UINT32_MAX; // samples of weight 1 in every column, were the first one's 1
@@ -171,18 +171,71 @@ QZ_ALWAYS_INLINE void add_samples(qz::vec<Lanes> &sum, const float *row, float r
     }
 }
 
+// A strip of destination columns as wide as a full-HD picture reduced by four: rows are read from end to end.
+constexpr uint32_t strip_width = 512;
+
+// Any columns.
 template <int Lanes>
-QZ_ALWAYS_INLINE void add_row(qz::vec<Lanes> *sums, const float *row, float weight, uint32_t width,
-                              std::span<const column_group<Lanes>> groups)
-{
-    if (weight == 1.0f) { // most rows: a factor that drops out of the loop
-        for (size_t g = 0; g < groups.size(); ++g)
-            add_samples<Lanes>(sums[g], row, 1.0f, width, groups[g]);
-    } else {
-        for (size_t g = 0; g < groups.size(); ++g)
-            add_samples<Lanes>(sums[g], row, weight, width, groups[g]);
+struct placed_columns {
+    uint32_t src_width;
+    uint32_t groups;
+    column_group<Lanes> group[strip_width / Lanes];
+
+    QZ_ALWAYS_INLINE void add_row(qz::vec<Lanes> *sums, const float *row, float weight) const
+    {
+        for (size_t g = 0; g < groups; ++g)
+            add_samples<Lanes>(sums[g], row, weight, src_width, group[g]);
     }
-}
+};
+
+// Whole vectors of columns under which all samples have weight 1.
+template <int Lanes>
+struct whole_columns {
+    // Samples of a column that are loaded at once: narrow vectors take pairs of them with the fewest instructions.
+    static constexpr uint32_t run = Lanes == 4 ? 2 : 4;
+
+    uint32_t first; // source column
+    uint32_t groups;
+    size_t count; // samples of a column, a run at least
+
+    QZ_ALWAYS_INLINE void add_row(qz::vec<Lanes> *sums, const float *row, float weight) const
+    {
+        row += first;
+        for (size_t g = 0; g < groups; ++g, row += Lanes * count)
+            add_group(sums[g], row, weight);
+    }
+
+  private:
+    QZ_ALWAYS_INLINE void add_group(qz::vec<Lanes> &sum, const float *from, float weight) const
+    {
+        qz::vec<Lanes> total = sum;
+        qz::vec<Lanes> sample[run];
+        size_t k = 0;
+        for (; k + run <= count; k += run) {
+            load_run(sample, from + k);
+            for (const qz::vec<Lanes> &s : sample)
+                total += weight * s;
+        }
+        if (k < count) { // the rest ends a run that begins before it
+            load_run(sample, from + count - run);
+            for (uint32_t m = 1; m < run; ++m)
+                if (count - k >= run - m)
+                    total += weight * sample[m];
+        }
+        sum = total;
+    }
+
+    QZ_ALWAYS_INLINE void load_run(qz::vec<Lanes> (&sample)[run], const float *from) const
+    {
+        if constexpr (run == 2) {
+            qz::load_strided_pairs(sample[0], sample[1], from, count);
+        } else {
+            for (size_t m = 0; m < run; ++m)
+                qz::load_strided_quads(sample[m], from + m * count, run * count);
+            qz::transpose_quads<Lanes>(sample[0], sample[1], sample[2], sample[3]);
+        }
+    }
+};
 
 struct downscale_job {
     const float *const *src_planes;
@@ -195,10 +248,7 @@ struct downscale_job {
     isp_roi region;
     footprint_axis across;
     footprint_axis down;
-    float norm; // 1 / (source samples under one destination sample)
-
-    // A strip of destination columns as wide as a full-HD picture reduced by four: rows are read from end to end.
-    static constexpr uint32_t strip_width = 512;
+    float norm; // 1 / (source samples under one destination sample), in units of p10
 
     template <int Lanes>
     QZ_ALWAYS_INLINE void run() const
@@ -208,31 +258,57 @@ struct downscale_job {
                 halve<Lanes>(src_planes[plane], dst_planes[plane]);
             return;
         }
-        column_group<Lanes> groups[strip_width / Lanes];
-        for (uint32_t column = 0; column < dst_width; column += strip_width) {
-            const uint32_t columns = std::min(dst_width - column, strip_width);
-            for (uint32_t c = 0; c < columns; c += Lanes)
-                place_group<Lanes>(groups[c / Lanes], across, region.x, column + c, dst_width);
-            for (uint32_t plane = 0; plane < plane_count; ++plane)
-                reduce_strip<Lanes>(groups, src_planes[plane], dst_planes[plane] + column, columns);
+        const uint32_t whole = whole_samples<Lanes>();
+        for (uint32_t column = 0, columns = 0; column < dst_width; column += columns) {
+            columns = std::min(dst_width - column, strip_width);
+            if (whole > 0 && columns >= Lanes) {
+                columns -= columns % Lanes;
+                const uint32_t first = region.x + column * whole;
+                reduce_planes<Lanes>(whole_columns<Lanes>{.first = first, .groups = columns / Lanes, .count = whole},
+                                     column, columns);
+            } else {
+                placed_columns<Lanes> placed;
+                placed.src_width = src_width;
+                placed.groups = (columns + Lanes - 1) / Lanes;
+                for (uint32_t g = 0; g < placed.groups; ++g)
+                    place_group<Lanes>(placed.group[g], across, region.x, column + g * Lanes, dst_width);
+                reduce_planes<Lanes>(placed, column, columns);
+            }
         }
     }
 
+    // Samples under every column if all of them have weight 1 and there are as many as in a run; otherwise 0.
     template <int Lanes>
-    QZ_ALWAYS_INLINE void reduce_strip(const column_group<Lanes> *groups, const float *src, uint16_t *dst,
-                                       uint32_t columns) const
+    uint32_t whole_samples() const
     {
-        const uint32_t group_count = (columns + Lanes - 1) / Lanes;
+        const auto count = static_cast<uint32_t>(across.step);
+        return static_cast<float>(count) == across.step && count >= whole_columns<Lanes>::run ? count : 0;
+    }
+
+    template <int Lanes, typename Columns>
+    QZ_ALWAYS_INLINE void reduce_planes(const Columns &strip, uint32_t column, uint32_t columns) const
+    {
+        for (uint32_t plane = 0; plane < plane_count; ++plane)
+            reduce_strip<Lanes>(strip, src_planes[plane], dst_planes[plane] + column, columns);
+    }
+
+    template <int Lanes, typename Columns>
+    QZ_ALWAYS_INLINE void reduce_strip(const Columns &strip, const float *src, uint16_t *dst, uint32_t columns) const
+    {
         qz::vec<Lanes> sums[strip_width / Lanes + 1]; // averages are formed by twos
         uint16_t averages[strip_width + Lanes];
         for (uint32_t r = 0; r < dst_height; ++r) {
             const footprint rows = down.under(r);
-            std::fill_n(sums, group_count + 1, qz::vec<Lanes>{});
+            std::fill_n(sums, strip.groups + 1, qz::vec<Lanes>{});
             for (uint32_t k = 0; k < rows.count; ++k) {
-                const size_t row = std::min(region.y + rows.first + k, src_height - 1);
-                add_row<Lanes>(sums, src + row * src_width, rows.weight(k), src_width, {groups, group_count});
+                const float *row = src + size_t{std::min(region.y + rows.first + k, src_height - 1)} * src_width;
+                const float weight = rows.weight(k);
+                if (weight == 1.0f) // most rows: a factor that drops out of the loop
+                    strip.add_row(sums, row, 1.0f);
+                else
+                    strip.add_row(sums, row, weight);
             }
-            for (uint32_t g = 0; g < group_count; g += 2)
+            for (uint32_t g = 0; g < strip.groups; g += 2)
                 store_averages<Lanes>(averages + size_t{g} * Lanes, sums[g], sums[g + 1]);
             std::copy_n(averages, columns, dst + size_t{r} * dst_width);
         }
@@ -245,8 +321,8 @@ struct downscale_job {
         src += size_t{region.y} * src_width + region.x;
         for (uint32_t r = 0; r < dst_height; ++r, src += size_t{2} * src_width, dst += dst_width)
             for (uint32_t next = 0; next < dst_width; next += 2 * Lanes) {
-                const uint32_t c =
-                    std::min(next, dst_width - 2 * Lanes); // the last ones may be the same as some before
+                // The last ones may be the same as some before.
+                const uint32_t c = std::min(next, dst_width - 2 * Lanes);
                 qz::vec<Lanes> sums[2];
                 for (uint32_t i = 0; i < 2; ++i)
                     add_two_by_two<Lanes>(sums[i], src + size_t{2} * (c + i * Lanes));
@@ -257,24 +333,23 @@ struct downscale_job {
     template <int Lanes>
     QZ_ALWAYS_INLINE void add_two_by_two(qz::vec<Lanes> &sum, const float *from) const
     {
-        sum = qz::vec<Lanes>{};
-        for (int row = 0; row < 2; ++row, from += src_width) {
-            qz::vec<Lanes> low, high, samples;
+        qz::vec<Lanes> sample[2][2];
+        for (auto &row : sample) {
+            qz::vec<Lanes> low, high;
             qz::load(low, from);
             qz::load(high, from + Lanes);
-            qz::every_second<0>(samples, low, high);
-            sum += samples;
-            qz::every_second<1>(samples, low, high);
-            sum += samples;
+            qz::every_second<0>(row[0], low, high);
+            qz::every_second<1>(row[1], low, high);
+            from += src_width;
         }
+        sum = sample[0][0] + sample[0][1] + sample[1][0] + sample[1][1];
     }
 
     template <int Lanes>
     QZ_ALWAYS_INLINE void store_averages(uint16_t *to, const qz::vec<Lanes> &a, const qz::vec<Lanes> &b) const
     {
-        constexpr float half_a_unit = 0.00048828125f;
         qz::short_vec<Lanes> average;
-        qz::truncate_to_p10<Lanes>(average, a * norm + half_a_unit, b * norm + half_a_unit);
+        qz::truncate_to_low_16<Lanes>(average, a * norm + 0.5f, b * norm + 0.5f);
         qz::store(to, average);
     }
 };
@@ -304,7 +379,7 @@ uint32_t image_downscale_32f_to_u16p10(const float *const *src_planes, uint16_t 
                                .region = region,
                                .across = {.step = step_x, .limit = static_cast<float>(src_width)},
                                .down = {.step = step_y, .limit = static_cast<float>(src_height)},
-                               .norm = 1.0f / (step_x * step_y)};
+                               .norm = 1.0f / (step_x * step_y) * qz::p10_one};
     qz::run_widest(job);
     return ISP_SUCCESS;
 }

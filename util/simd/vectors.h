@@ -68,17 +68,19 @@ QZ_ALWAYS_INLINE void load_quads(Vector &v, const T *from, const uint32_t *index
     }
 }
 
-// Lanes of a where the mask is -1 and of b where it is 0. Masks come from memory: a comparison of vectors wider than
-// the narrowest target's is taken apart, lane by lane.
-template <int Lanes>
-QZ_ALWAYS_INLINE void select(vec<Lanes> &to, const int_vec<Lanes> &mask, const vec<Lanes> &a, const vec<Lanes> &b)
+// Quad i from element i * stride.
+template <typename Vector, typename T>
+QZ_ALWAYS_INLINE void load_strided_quads(Vector &v, const T *from, size_t stride)
 {
-    int_vec<Lanes> bits_a;
-    int_vec<Lanes> bits_b;
-    memcpy(&bits_a, &a, sizeof bits_a);
-    memcpy(&bits_b, &b, sizeof bits_b);
-    bits_a = (bits_a & mask) | (bits_b & ~mask);
-    memcpy(&to, &bits_a, sizeof to);
+    constexpr int count = sizeof v / sizeof(v[0]);
+    if constexpr (sizeof v == 16) {
+        load(v, from);
+    } else {
+        vec_of<std::remove_cvref_t<decltype(v[0])>, count / 2> low, high;
+        load_strided_quads(low, from, stride);
+        load_strided_quads(high, from + sizeof v / 32 * stride, stride);
+        join(v, low, high, std::make_integer_sequence<int, count>());
+    }
 }
 
 // Elements 0, 2, 4, .. of a and b, or with Offset 1 those between.
@@ -93,6 +95,35 @@ template <int Offset, typename Vector>
 QZ_ALWAYS_INLINE void every_second(Vector &to, const Vector &a, const Vector &b)
 {
     every_second_of<Offset>(to, a, b, std::make_integer_sequence<int, sizeof a / sizeof(a[0])>());
+}
+
+// Lane i of a and of b from element i * stride and the one after it.
+QZ_ALWAYS_INLINE void load_strided_pairs(vec<4> &a, vec<4> &b, const float *from, size_t stride)
+{
+    vec<4> pairs[2];
+    for (vec<4> &two : pairs) {
+        double low, high; // two floats each
+        memcpy(&low, from, sizeof low);
+        memcpy(&high, from + stride, sizeof high);
+        const vec_of<double, 2> both = {low, high};
+        memcpy(&two, &both, sizeof both);
+        from += 2 * stride;
+    }
+    every_second<0>(a, pairs[0], pairs[1]);
+    every_second<1>(b, pairs[0], pairs[1]);
+}
+
+// Lanes of a where the mask is -1 and of b where it is 0. Masks come from memory: a comparison of vectors wider than
+// the narrowest target's is taken apart, lane by lane.
+template <int Lanes>
+QZ_ALWAYS_INLINE void select(vec<Lanes> &to, const int_vec<Lanes> &mask, const vec<Lanes> &a, const vec<Lanes> &b)
+{
+    int_vec<Lanes> bits_a;
+    int_vec<Lanes> bits_b;
+    memcpy(&bits_a, &a, sizeof bits_a);
+    memcpy(&bits_b, &b, sizeof bits_b);
+    bits_a = (bits_a & mask) | (bits_b & ~mask);
+    memcpy(&to, &bits_a, sizeof to);
 }
 
 // Pairs of vectors a, b become (low, high) by one of three patterns, each one instruction. A quad is four lanes.
