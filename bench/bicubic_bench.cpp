@@ -5,10 +5,10 @@
 #include <utility>
 #include <vector>
 
-#include "compare.h"
-#include "images.h"
+#include "bench/compare.h"
+#include "bench/images.h"
+#include "bench/subjects.h"
 #include "qz_isp/bicubic.h"
-#include "subjects.h"
 
 #ifdef QZ_BENCH_OPENCV
 #include <opencv2/imgproc.hpp>

@@ -5,9 +5,9 @@
 #include <utility>
 #include <vector>
 
-#include "compare.h"
+#include "bench/compare.h"
+#include "bench/subjects.h"
 #include "qz_isp/checksum.h"
-#include "subjects.h"
 
 #ifdef QZ_BENCH_XXHASH
 #define XXH_INLINE_ALL

@@ -1,4 +1,4 @@
-#include "compare.h"
+#include "bench/compare.h"
 
 #include <algorithm>
 #include <chrono>

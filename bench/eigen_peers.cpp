@@ -1,6 +1,6 @@
 // EIGEN_PEERS is the namespace to define; a build for this processor also gives Eigen's own namespace another name, so
 // that the two builds share no function.
-#include "eigen_peers.h"
+#include "bench/eigen_peers.h"
 
 #include <Eigen/Core>
 #include <Eigen/LU>

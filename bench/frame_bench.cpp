@@ -3,9 +3,9 @@
 #include <memory>
 #include <vector>
 
-#include "cases.h"
-#include "compare.h"
-#include "subjects.h"
+#include "bench/cases.h"
+#include "bench/compare.h"
+#include "bench/subjects.h"
 
 #ifdef QZ_BENCH_OPENCV
 #include <opencv2/imgproc.hpp>

@@ -1,8 +1,8 @@
 // qz-isp-bench: how long the library's routines take, beside other libraries where these are installed.
 #include <benchmark/benchmark.h>
 
-#include "compare.h"
-#include "subjects.h"
+#include "bench/compare.h"
+#include "bench/subjects.h"
 
 #ifdef QZ_BENCH_OPENCV
 #include <opencv2/core.hpp>

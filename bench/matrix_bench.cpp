@@ -7,11 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "compare.h"
-#include "eigen_peers.h"
+#include "bench/compare.h"
+#include "bench/eigen_peers.h"
+#include "bench/subjects.h"
 #include "qz_isp/matrix.h"
 #include "qz_isp/polynomial.h"
-#include "subjects.h"
 
 #ifdef QZ_BENCH_OPENBLAS
 #include <cblas.h>

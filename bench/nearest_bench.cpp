@@ -4,11 +4,11 @@
 #include <utility>
 #include <vector>
 
-#include "compare.h"
-#include "images.h"
-#include "plain_loops.h"
+#include "bench/compare.h"
+#include "bench/images.h"
+#include "bench/plain_loops.h"
+#include "bench/subjects.h"
 #include "qz_isp/nearest.h"
-#include "subjects.h"
 
 #ifdef QZ_BENCH_OPENCV
 #include <opencv2/imgproc.hpp>

@@ -1,4 +1,4 @@
-#include "plain_loops.h"
+#include "bench/plain_loops.h"
 
 #include <algorithm>
 

@@ -1,10 +1,10 @@
 #include <memory>
 #include <string>
 
-#include "cases.h"
-#include "compare.h"
-#include "plain_loops.h"
-#include "subjects.h"
+#include "bench/cases.h"
+#include "bench/compare.h"
+#include "bench/plain_loops.h"
+#include "bench/subjects.h"
 
 namespace bench {
 

@@ -6,7 +6,7 @@
 #include <array>
 #include <iterator>
 
-#include "input.h"
+#include "fuzz/input.h"
 #include "qz_isp/noise_detail.h"
 
 namespace {

@@ -1,8 +1,8 @@
 // Arbitrary bytes as a tuning container, with any allocation failing on the way.
-#include "allocation_faults.h"
-#include "containers.h"
-#include "input.h"
+#include "fuzz/containers.h"
+#include "fuzz/input.h"
 #include "qz_isp/context.h"
+#include "tests/allocation_faults.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "containers.h"
+#include "fuzz/containers.h"
 
 #include <algorithm>
 #include <cstring>

@@ -6,12 +6,12 @@
 
 #include <sanitizer/asan_interface.h>
 
-#include "allocation_faults.h"
-#include "containers.h"
-#include "frame_bytes.h"
-#include "input.h"
+#include "fuzz/containers.h"
+#include "fuzz/frame_bytes.h"
+#include "fuzz/input.h"
 #include "qz_isp/context.h"
 #include "qz_mkn.h"
+#include "tests/allocation_faults.h"
 
 namespace {
 

@@ -9,11 +9,11 @@
 #include <memory>
 #include <vector>
 
-#include "allocation_faults.h"
-#include "input.h"
+#include "fuzz/input.h"
 #include "qz_isp/checksum.h"
 #include "qz_isp/gain.h"
 #include "qz_isp/polynomial.h"
+#include "tests/allocation_faults.h"
 
 namespace {
 

@@ -4,11 +4,11 @@
 #include <memory>
 #include <vector>
 
-#include "allocation_faults.h"
-#include "input.h"
+#include "fuzz/input.h"
 #include "qz_isp/bicubic.h"
 #include "qz_isp/nearest.h"
 #include "qz_isp/table_resize.h"
+#include "tests/allocation_faults.h"
 
 namespace {
 

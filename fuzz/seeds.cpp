@@ -20,7 +20,7 @@
 #include "desk/tuning/layout.h"
 #include "desk/tuning/pack.h"
 #include "desk/tuning/to_json.h"
-#include "frame_bytes.h"
+#include "fuzz/frame_bytes.h"
 #include "tools/sample/sample.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "input.h"
+#include "fuzz/input.h"
 #include "qz_isp/context.h"
 
 namespace {

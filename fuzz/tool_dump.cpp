@@ -2,7 +2,7 @@
 #include "desk/base/error.h"
 #include "desk/makernote/file.h"
 #include "desk/record/dump.h"
-#include "input.h"
+#include "fuzz/input.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include "desk/explain/explain.h"
 #include "desk/run/session.h"
 #include "desk/tuning/pack.h"
-#include "input.h"
+#include "fuzz/input.h"
 #include "tools/sample/sample.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include "desk/tuning/load.h"
 #include "desk/tuning/pack.h"
 #include "desk/tuning/to_json.h"
-#include "input.h"
+#include "fuzz/input.h"
 #include "qz_isp/context.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // qz-isp-device-cases CASE CALLS: makes a case's inputs and calls the routine so many times, for count.sh; without
 // arguments lists the cases.
-#include "cases.h"
+#include "bench/cases.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -8,7 +8,7 @@
 #include <cstring>
 #include <vector>
 
-#include "images.h"
+#include "bench/images.h"
 #include "qz_isp/bicubic.h"
 #include "qz_isp/checksum.h"
 #include "qz_isp/nearest.h"
