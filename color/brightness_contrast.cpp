@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "color/tone_exponents.h"
+#include "color/tone_curves.h"
 #include "qz_isp/color.h"
 #include "util/power/power.h"
 #include "util/simd/dispatch.h"

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "color/effects.h"
+#include "color/tone_curves.h"
 #include "qz_isp/color.h"
 #include "qz_isp/makernote_records.h"
 #include "qz_isp/table_resize.h"
@@ -45,19 +47,17 @@ void compute_gamma(const isp_gamma_params *gamma, const float *curve, uint32_t e
     if (gamma == nullptr)
         return;
 
-    auto points = static_cast<int32_t>(gamma->point_count);
-    if (curve == nullptr) {
-        curve = straight_line;
-        points = 2;
-    }
-    if (points < 2)
+    const int32_t points = qz::curve_points(curve != nullptr, gamma->point_count);
+    if (points < qz::least_curve_points)
         return;
+    if (curve == nullptr)
+        curve = straight_line;
 
     const auto entries = static_cast<uint16_t>(len);
     isp_resize_1d_array_uint16(curve, points, normalising_scale(curve[points - 1]), table, entries);
-    if ((effects & (ISP_EFFECT_NEGATIVE | ISP_EFFECT_NEGATIVE_ALT)) != 0)
+    if (qz::mirrors_gamma(effects))
         invert_gamma(table, entries);
-    if ((effects & ISP_EFFECT_TWO_LEVEL) != 0)
+    if (qz::makes_two_levels(effects))
         make_two_level(table, entries, threshold);
 }
 

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <span>
 
+#include "color/effects.h"
 #include "color/macc_entries.h"
 #include "color/macc_tables.h"
 #include "qz_isp/color.h"
@@ -15,13 +16,13 @@ namespace {
 
 using sectors = std::array<qz::sector_matrix, qz::sector_count>;
 // The sixteen sectors of each effect; null: off.
-using effect_tables = std::array<const qz::fixed_sector *, qz::macc_effect_tables.size()>;
+using effect_tables = std::array<const qz::fixed_sector *, qz::macc_effects>;
 
 effect_tables switched_on(uint32_t effects, std::span<const isp_macc_entry> entries)
 {
     effect_tables tables = {};
     for (size_t i = 0; i < tables.size(); ++i) {
-        if (((effects >> i) & 1) == 0)
+        if (!qz::has_macc_effect(effects, i))
             continue;
         const isp_macc_entry *tuned = qz::effect_entry(entries, i);
         tables[i] = tuned != nullptr ? tuned->matrix : qz::macc_effect_tables[i].sector;

@@ -27,7 +27,7 @@ constexpr const isp_macc_entry *base_entry(std::span<const isp_macc_entry> entri
     return base;
 }
 
-// What replaces the fixed table of effect macc_1 to macc_5, numbered from 0: the last entry of its type. Null when
+// What replaces the fixed table of an effect, see macc_effects: the last entry of its type. Null when
 // nothing does, as always for the fifth.
 constexpr const isp_macc_entry *effect_entry(std::span<const isp_macc_entry> entries, size_t effect)
 {

@@ -5,6 +5,7 @@
 #include <array>
 #include <initializer_list>
 
+#include "color/effects.h"
 #include "color/sector_matrix.h"
 
 namespace qz {
@@ -25,9 +26,9 @@ constexpr fixed_sectors sectors_with(std::initializer_list<numbered_sector> list
     return all;
 }
 
-// Effect bit 1 << k of the effect flag word switches table k on.
-inline constexpr std::array<fixed_sectors, 5> macc_effect_tables = {
-    // 0x1
+// By number of the effect.
+inline constexpr std::array<fixed_sectors, macc_effects> macc_effect_tables = {
+    // macc_1
     sectors_with({
         {0, {9728, -3072, 0, 8192}},
         {12, {9728, 0, -3072, 8192}},
@@ -35,7 +36,7 @@ inline constexpr std::array<fixed_sectors, 5> macc_effect_tables = {
         {14, {11264, 0, 0, 11264}},
         {15, {9728, -3072, 0, 11264}},
     }),
-    // 0x2
+    // macc_2
     sectors_with({
         {7, {10240, 4096, 0, 8192}},
         {8, {10240, 4096, 0, 12288}},
@@ -43,21 +44,21 @@ inline constexpr std::array<fixed_sectors, 5> macc_effect_tables = {
         {10, {14336, -2048, 4096, 8192}},
         {11, {10240, 0, 4096, 8192}},
     }),
-    // 0x4
+    // macc_3
     sectors_with({
         {4, {7168, 0, 2048, 8192}},
         {5, {5120, -1024, 2048, 8192}},
         {6, {8192, 2048, -1024, 5120}},
         {7, {8192, 2048, 0, 7168}},
     }),
-    // 0x8
+    // macc_4
     sectors_with({
         {4, {5120, 0, 6144, 8192}},
         {5, {3072, -1024, 2048, 6144}},
         {6, {6144, 2048, -1024, 3072}},
         {7, {8192, 6144, 0, 5120}},
     }),
-    // 0x10
+    // macc_5
     sectors_with({
         {4, {4096, 0, 8192, 8192}},
         {5, {0, -2048, 4096, 6144}},

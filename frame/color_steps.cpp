@@ -92,6 +92,8 @@ void brightness_contrast(const frame_run &run, uint16_t *const (&tables)[3], uin
     if (brightness == 0 && contrast == 0)
         return;
     const size_t bytes = entries * sizeof(uint16_t);
+    // Channels mostly have one curve, and equal tables become equal ones: what the first became is copied then, as
+    // the powers are the dearest part of a frame.
     bool same_as_first[3] = {};
     for (size_t c = 1; c < 3; ++c)
         same_as_first[c] = std::memcmp(tables[c], tables[0], bytes) == 0;

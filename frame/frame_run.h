@@ -24,7 +24,7 @@ struct frame_run {
     bool nr_on() const { return noise_reduction_on(input); }
     bool bayer_nr_on() const { return bayer_noise_reduction_on(input); }
     bool edge_on() const { return edges_on(input); }
-    bool has_black_levels() const { return input.colour != nullptr && sensor != nullptr; }
+    bool has_black_levels() const { return qz::has_black_levels(input.colour, sensor); }
 };
 
 // color_steps.cpp

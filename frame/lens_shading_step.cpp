@@ -1,4 +1,7 @@
 // Step of a frame run: the lens shading block, whose tables follow the record's fixed part.
+#include <cstddef>
+#include <type_traits>
+
 #include "frame/aic_layout.h"
 #include "frame/frame_run.h"
 #include "noise_detail/lsc_grid.h"
@@ -7,6 +10,8 @@
 
 namespace qz {
 namespace {
+
+constexpr uint32_t channels = std::extent_v<decltype(aic_lens_shading::table)>;
 
 // False when the frame's grid is known not to fit the record; other bad inputs are compute_lsc()'s to refuse.
 bool tables_fit(const frame_run &run)
@@ -19,7 +24,7 @@ bool tables_fit(const frame_run &run)
 uint8_t compute_tables(const frame_run &run, aic_lens_shading &block)
 {
     uint8_t enable = 1;
-    float factors[4] = {1.0f, 1.0f, 1.0f, 1.0f};
+    float factors[channels] = {1.0f, 1.0f, 1.0f, 1.0f};
     if (run.has_black_levels())
         compute_isp_lsc_saturation_compensation(run.input.colour->black_level, run.sensor->bit_depth, factors);
     auto next_free = reinterpret_cast<uintptr_t>(block.entries);
@@ -35,7 +40,7 @@ void add_records(const frame_run &run, const aic_lens_shading &block)
     if (block.table[0] == 0) // never computed
         return;
     if (run.input.tuning_mode <= 1)
-        run.mkn.add<ISP_MAKERNOTE_LENS_SHADING_TABLES>(block.entries, block.columns * block.rows * 4);
+        run.mkn.add<ISP_MAKERNOTE_LENS_SHADING_TABLES>(block.entries, block.columns * block.rows * channels);
     run.mkn.add<ISP_MAKERNOTE_LENS_SHADING_ROWS>(block.entries, block.columns * 2);
 }
 
@@ -50,7 +55,9 @@ uint32_t lens_shading_step(frame_run &run)
     block.payload.enable = tables_fit(run) ? compute_tables(run, block.payload) : 0;
     add_records(run, block.payload);
     // The header and the tables; the words between them do not count.
-    block.size = block.payload.rows * block.payload.columns * 8 + 8;
+    constexpr uint32_t header_size = offsetof(aic_lens_shading_block, payload);
+    constexpr uint32_t entry_size = channels * sizeof(uint16_t);
+    block.size = header_size + block.payload.rows * block.payload.columns * entry_size;
     return block.size;
 }
 

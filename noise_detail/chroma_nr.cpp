@@ -1,3 +1,4 @@
+#include "noise_detail/chroma_nr_units.h"
 #include "noise_detail/gain_rows.h"
 #include "noise_detail/strength.h"
 #include "qz_isp/noise_detail.h"
@@ -22,13 +23,12 @@ bool interpolate(uint16_t gain, const isp_record *record, const void *table, uin
 
 bool interpolate(uint16_t gain, const isp_chroma_nr_slot &slot, uint16_t *fields)
 {
-    if (slot.data == nullptr)
+    if (!qz::has_8_bit_fields(slot))
         return interpolate<isp_chroma_nr_alt_row>(gain, slot.record, slot.data_alt, fields);
     if (!interpolate<isp_chroma_nr_row>(gain, slot.record, slot.data, fields))
         return false;
-    // In 8 bits these two are tuned in units of 32.
-    fields[0] = static_cast<uint16_t>(fields[0] << 5);
-    fields[1] = static_cast<uint16_t>(fields[1] << 5);
+    fields[0] = static_cast<uint16_t>(fields[0] * qz::chroma_nr_unit);
+    fields[1] = static_cast<uint16_t>(fields[1] * qz::chroma_nr_unit);
     return true;
 }
 

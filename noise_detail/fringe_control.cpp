@@ -2,6 +2,7 @@
 #include <cstdlib>
 
 #include "noise_detail/gain_rows.h"
+#include "noise_detail/strength.h"
 #include "qz_isp/noise_detail.h"
 #include "util/float_to_int.h"
 
@@ -21,20 +22,19 @@ int32_t *interpolate(const qz::row_pair<Row> &pair, T (Row::*columns)[count], in
     return out;
 }
 
-// Towards 65535 for a positive sharpness, which reaches it at 127; towards 0 for a negative one, at -128. A
-// value has at most 18 bits and its sign, even one whose interpolation wrapped, so the products fit.
+// A value has at most 18 bits and its sign, even one whose interpolation wrapped, so the products fit.
 int32_t moved(int32_t value, int8_t sharpness)
 {
-    constexpr int32_t top = 65535;
+    const int32_t end = qz::fringe_control_end(sharpness);
     if (sharpness > 0) {
-        const auto way = static_cast<float>(sharpness * (top - value));
+        const auto way = static_cast<float>(sharpness * (end - value));
         const float result = way / 127.0f + static_cast<float>(value);
-        return result < static_cast<float>(top) ? qz::truncate_to_i32(result) : top;
+        return result < static_cast<float>(end) ? qz::truncate_to_i32(result) : end;
     }
     if (sharpness < 0) {
-        const auto way = static_cast<float>(sharpness * value);
+        const auto way = static_cast<float>(-sharpness * (end - value));
         const float result = way * 0.0078125f + static_cast<float>(value);
-        return result > 0.0f ? qz::truncate_to_i32(result) : 0;
+        return result > static_cast<float>(end) ? qz::truncate_to_i32(result) : end;
     }
     return value;
 }

@@ -21,6 +21,12 @@ inline constexpr strength_rule chroma_nr_strength = {-0.8, 4.0, 8191};      // t
 inline constexpr strength_rule edge_enhancement_strength_0 = {2.0, -0.667}; // of parameter 0: a third to threefold
 inline constexpr strength_rule edge_enhancement_strength_2 = {1.0, -0.5};   // of parameter 2: half to twofold
 
+// Where a sharpness other than 0 moves fields 4 to 7 of fringe control, all the way at the ends of its range.
+constexpr int32_t fringe_control_end(int8_t sharpness)
+{
+    return sharpness < 0 ? 0 : 65535;
+}
+
 // Linear on either side of 0; 1.0 at 0.
 constexpr float strength_factor(int8_t strength, const strength_rule &rule)
 {

@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "color/tone_exponents.h"
+#include "color/tone_curves.h"
 #include "util/power/exact_power.h"
 #include "util/power/power.h"
 #include "util/power/power_estimate.h"

@@ -14,8 +14,6 @@
 namespace qz {
 namespace {
 
-constexpr char tag[4] = {'V', 'U', 'X', 'B'};
-
 // Records back to back; a rest of up to a record header's size is ignored.
 struct record_list {
     const uint8_t *bytes;
@@ -82,8 +80,8 @@ class walk_stack {
 bool nested_list(const uint8_t *record, uint32_t size, record_list &list)
 {
     constexpr uint32_t tagged_start = ISP_RECORD_HEADER_SIZE + QZ_MKN_HEADER_SIZE;
-    const bool tagged = size >= ISP_RECORD_HEADER_SIZE + sizeof tag &&
-                        std::memcmp(record + ISP_RECORD_HEADER_SIZE, tag, sizeof tag) == 0;
+    const bool tagged = size >= ISP_RECORD_HEADER_SIZE + sizeof(uint32_t) &&
+                        value_at<uint32_t>(record, ISP_RECORD_HEADER_SIZE) == ISP_CONTAINER_TAG;
     if (tagged && size < tagged_start)
         return false;
     const uint32_t start = tagged ? tagged_start : ISP_RECORD_HEADER_SIZE;
@@ -201,11 +199,9 @@ void free_records(isp_tuning_set &set)
 
 uint32_t isp_parse(const isp_blob *container, isp_context *context)
 {
-    uint32_t tag_value = 0;
-    std::memcpy(&tag_value, qz::tag, sizeof tag_value);
     // The size comes first: what a device's library takes for a header may be shorter.
     if (context == nullptr || container == nullptr || container->size < QZ_MKN_HEADER_SIZE ||
-        !qz_mkn_is_valid(container, tag_value))
+        !qz_mkn_is_valid(container, ISP_CONTAINER_TAG))
         return ISP_INVALID_ARGUMENT;
     isp_parse_deinit(context);
     context->rules = {};

@@ -39,6 +39,26 @@ consteval bool stands_in(std::initializer_list<isp_record_layout> layouts)
     return found;
 }
 
+constexpr bool has_rows(isp_record_layout layout)
+{
+    return layout != ISP_LAYOUT_HELD && layout != ISP_LAYOUT_VALUES;
+}
+
+// Rows that a gain lies between.
+constexpr bool has_gain_rows(isp_record_layout layout)
+{
+    return has_rows(layout) && layout != ISP_LAYOUT_ENTRIES;
+}
+
+// What a record of a layout with rows says of their number; none where that is negative.
+inline size_t row_count(const isp_record *record, isp_record_layout layout)
+{
+    if (layout != ISP_LAYOUT_LONG_ROWS)
+        return value_at<uint16_t>(record, ISP_SHORT_ROW_COUNT_AT);
+    const auto count = value_at<int32_t>(record, ISP_LONG_ROW_COUNT_AT);
+    return count > 0 ? static_cast<size_t>(count) : 0;
+}
+
 // The rows or entries of a record of the 320 family, or of macc in any; none where there is no record, or none are
 // given.
 template <typename Row>
@@ -48,7 +68,7 @@ std::span<const Row> short_rows(const isp_record *record, const void *rows)
                   "a row that ISP_TUNING_RECORDS lists");
     if (record == nullptr || rows == nullptr)
         return {};
-    return {static_cast<const Row *>(rows), value_at<uint16_t>(record, ISP_SHORT_ROW_COUNT_AT)};
+    return {static_cast<const Row *>(rows), row_count(record, ISP_LAYOUT_ROWS)};
 }
 
 template <typename Row>
@@ -64,8 +84,7 @@ std::span<const Row> long_rows(const isp_table_slot &slot)
     static_assert(stands_in<Row>({ISP_LAYOUT_LONG_ROWS}), "a row that ISP_TUNING_RECORDS lists");
     if (slot.record == nullptr || slot.data == nullptr)
         return {};
-    const auto count = value_at<int32_t>(slot.record, ISP_LONG_ROW_COUNT_AT);
-    return {static_cast<const Row *>(slot.data), count > 0 ? static_cast<size_t>(count) : 0};
+    return {static_cast<const Row *>(slot.data), row_count(slot.record, ISP_LAYOUT_LONG_ROWS)};
 }
 
 // The values of a record of fixed layout.

@@ -33,7 +33,7 @@ void limit_count(isp_record *record, size_t at, uint32_t fitting, row_count_log 
 // Limits the copy's row count to the rows that the record's bytes hold.
 void limit_rows(isp_record *record, uint32_t size, const record_kind &kind, row_count_log &log)
 {
-    if (kind.layout == ISP_LAYOUT_HELD || kind.layout == ISP_LAYOUT_VALUES)
+    if (!has_rows(kind.layout))
         return;
     const uint32_t fitting = size > kind.payload ? (size - kind.payload) / kind.row_size : 0;
     if (kind.layout == ISP_LAYOUT_LONG_ROWS)
@@ -57,9 +57,9 @@ void read_fringe_control_extension(isp_fringe_control_slot &slot, uint32_t size)
     const auto *bytes = reinterpret_cast<const uint8_t *>(slot.record);
     const size_t count2_at = ISP_SHORT_ROW_COUNT_AT + sizeof(uint16_t) + rows.size_bytes();
     const size_t extra_at = count2_at + sizeof(uint16_t);
-    const bool has_count2 = slot.record->version > 100 && extra_at <= size;
-    const bool has_extra =
-        slot.record->version > 101 && extra_at + rows.size() * sizeof(isp_fringe_control_extra_row) <= size;
+    const bool has_count2 = slot.record->version >= ISP_FRINGE_COUNT2_SINCE && extra_at <= size;
+    const bool has_extra = slot.record->version >= ISP_FRINGE_EXTRA_SINCE &&
+                           extra_at + rows.size() * sizeof(isp_fringe_control_extra_row) <= size;
     slot.count2 = has_count2 ? value_at<uint16_t>(bytes, count2_at) : 1;
     slot.extra = has_extra ? bytes + extra_at : nullptr;
 }

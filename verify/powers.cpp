@@ -19,7 +19,7 @@
 
 #include <mpfr.h>
 
-#include "color/tone_exponents.h"
+#include "color/tone_curves.h"
 #include "util/power/power.h"
 #include "util/power/power_estimate.h"
 

@@ -8,11 +8,6 @@
 
 namespace qz::desk {
 
-size_t element_size(element type)
-{
-    return visit_type(type, [](auto typed) { return sizeof typed; });
-}
-
 void *element_at(const field &described, void *base, size_t index)
 {
     return static_cast<uint8_t *>(base) + described.offset + index * element_size(described.type);

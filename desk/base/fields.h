@@ -63,14 +63,12 @@ consteval field with_type(field described, element type)
 #define QZ_FIELD_ROWS(type, member, columns)                                                                           \
     make_field<decltype(type::member)>(#member, offsetof(type, member), columns)
 
-size_t element_size(element type);
-
 // Where an element is in a struct.
 void *element_at(const field &described, void *base, size_t index);
 
 // Calls visitor with a value of the element's C type.
 template <typename Visitor>
-auto visit_type(element type, Visitor visitor)
+constexpr auto visit_type(element type, Visitor visitor)
 {
     switch (type) {
     case element::u8: return visitor(uint8_t{});
@@ -82,6 +80,11 @@ auto visit_type(element type, Visitor visitor)
     case element::u32:
     default: return visitor(uint32_t{});
     }
+}
+
+constexpr size_t element_size(element type)
+{
+    return visit_type(type, [](auto typed) { return sizeof typed; });
 }
 
 // Unsigned 32-bit elements come out positive, signed ones negative where they are.

@@ -2,16 +2,17 @@
 
 #include <fmt/format.h>
 
+#include "color/effects.h"
 #include "color/macc_entries.h"
-#include "qz_isp/color.h"
+#include "frame/frame_decisions.h"
+#include "noise_detail/chroma_nr_units.h"
 #include "tuning/record_view.h"
 
 namespace qz::desk {
 
 void note_replaced_matrix(const frame_facts &frame, block_origin &block)
 {
-    constexpr uint32_t replacing = ISP_EFFECT_GREY | ISP_EFFECT_TWO_LEVEL | ISP_EFFECT_WARM_GREY | ISP_EFFECT_COOL_GREY;
-    if ((frame.inputs.controls.effects & replacing) != 0)
+    if (effect_matrix(frame.inputs.controls.effects) != nullptr)
         block.why = "effects, which replace colour.ccm";
 }
 
@@ -19,12 +20,12 @@ void note_replaced_matrix(const frame_facts &frame, block_origin &block)
 void note_saturation(const frame_facts &frame, block_origin &block)
 {
     const frame_inputs &inputs = frame.inputs;
-    if (inputs.colour && inputs.colour->saturation > 0.0f)
+    if (has_saturation(address_of(inputs.colour)))
         block.add(fmt::format("colour.saturation {}", inputs.colour->saturation));
-    if (inputs.scene && inputs.scene->saturation_decrement > 0.0f)
+    if (lessens_saturation(address_of(inputs.scene)))
         block.add(fmt::format("less scene.saturation_decrement {}", inputs.scene->saturation_decrement));
-    if ((inputs.controls.effects & ISP_EFFECT_VIVID) != 0)
-        block.add("times 1.5 for effect vivid");
+    if (is_vivid(inputs.controls.effects))
+        block.add(fmt::format("times {} for effect vivid", vivid_factor));
 }
 
 // Which entry of a multi-axis record the sectors start from, and what they are multiplied by.
@@ -41,8 +42,8 @@ void note_base_set(const frame_facts &frame, block_origin &block)
     else
         block.add(fmt::format("identity, as none of {} entries is a base set {}", entries.size(), wanted));
 
-    for (size_t effect = 0; effect < 5; ++effect) {
-        if (((frame.inputs.controls.effects >> effect) & 1) == 0)
+    for (size_t effect = 0; effect < macc_effects; ++effect) {
+        if (!has_macc_effect(frame.inputs.controls.effects, effect))
             continue;
         const isp_macc_entry *tuned = effect_entry(entries, effect);
         const std::string table =
@@ -62,16 +63,16 @@ void note_fringe_tail(const frame_facts &frame, block_origin &block)
 
 void note_field_units(const frame_facts &frame, block_origin &block)
 {
-    if (frame.tuning.chroma_nr.data != nullptr)
-        block.add("field[0..1] times 32");
+    if (has_8_bit_fields(frame.tuning.chroma_nr))
+        block.add(fmt::format("field[0..1] times {}", chroma_nr_unit));
 }
 
 void note_gamma_effects(const frame_facts &frame, block_origin &block)
 {
     const uint32_t effects = frame.inputs.controls.effects;
-    if ((effects & (ISP_EFFECT_NEGATIVE | ISP_EFFECT_NEGATIVE_ALT)) != 0)
+    if (mirrors_gamma(effects))
         block.add("mirrored by effects");
-    if ((effects & ISP_EFFECT_TWO_LEVEL) != 0)
+    if (makes_two_levels(effects))
         block.add("in two levels by effects");
 }
 
@@ -81,7 +82,7 @@ void note_shading(const frame_facts &frame, block_origin &block)
         block.why = fmt::format("refused: a size or a scaling term of frame or lsc is 0 or missing, or a table would "
                                 "have more than {} entries",
                                 AIC_LENS_SHADING_MAX_ENTRIES);
-    else if (frame.inputs.colour && frame.sensor != nullptr)
+    else if (has_black_levels(address_of(frame.inputs.colour), frame.sensor))
         block.add("the black levels as factors");
 }
 

@@ -4,10 +4,11 @@
 
 #include <fmt/format.h>
 
-#include "color/tone_exponents.h"
+#include "color/tone_curves.h"
 #include "desk/explain/block_sources.h"
 #include "frame/frame_decisions.h"
 #include "qz_isp/gain.h"
+#include "tuning/record_view.h"
 #include "tuning/selection_rule.h"
 #include "util/control_share.h"
 #include "util/gain_bracket.h"
@@ -15,12 +16,6 @@
 namespace qz::desk {
 
 namespace {
-
-template <typename Record>
-const Record *address_of(const std::optional<Record> &record)
-{
-    return record ? &*record : nullptr;
-}
 
 std::string gain_why(const isp_exposure *exposure)
 {
@@ -80,7 +75,7 @@ class block_explainer {
         case gate::noise_reduction: return other(noise_reduction_on(controls), origin::off, "nr_mode 0", result);
         case gate::bayer_noise_reduction:
             return other(bayer_noise_reduction_on(controls), origin::off,
-                         fmt::format("nr_mode {}, on from 2", controls.nr_mode), result);
+                         fmt::format("nr_mode {}, on from {}", controls.nr_mode, bayer_noise_reduction_from), result);
         case gate::edges: return other(edges_on(controls), origin::off, "edge_mode 0", result);
         case gate::white_balance:
             return given(inputs.scene.has_value(), "the frame has no scene", result) &&
@@ -88,10 +83,14 @@ class block_explainer {
         case gate::colour: return given(inputs.colour.has_value(), "the frame has no colour", result);
         case gate::black_level:
             return given(inputs.colour.has_value(), "the frame has no colour", result) &&
-                   given(frame_.sensor != nullptr, "the sensor has no description with a bit depth of 1 to 31", result);
+                   given(frame_.sensor != nullptr,
+                         fmt::format("the sensor has no description with a bit depth of {} to {}", least_bit_depth,
+                                     most_bit_depth),
+                         result);
         case gate::gamma:
             return other(inputs.gamma.has_value(), origin::kept, "the frame has no gamma curves", result) &&
-                   other(has_curve(rule.channel), origin::kept, "a curve of fewer than 2 points", result);
+                   other(has_curve(rule.channel), origin::kept,
+                         fmt::format("a curve of fewer than {} points", least_curve_points), result);
         case gate::lens_shading:
             return other(inputs.lsc.has_value() && inputs.lsc->enable != 0, origin::absent,
                          "the frame has no lsc with enable 1", result);
@@ -111,11 +110,10 @@ class block_explainer {
         return is_given;
     }
 
-    // Without a curve of its own a channel has a straight line.
     bool has_curve(size_t channel) const
     {
         const gamma_inputs &gamma = *frame_.inputs.gamma;
-        return !gamma.curves.at(channel) || gamma.point_count >= 2;
+        return curve_points(gamma.curves.at(channel).has_value(), gamma.point_count) >= least_curve_points;
     }
 
     // False when the values are not the record's.
@@ -128,7 +126,7 @@ class block_explainer {
             return false;
         }
         result.source = origin::tuning;
-        if (!has_gain_rows(*result.record->kind)) {
+        if (!has_gain_rows(result.record->kind->layout)) {
             result.add(rule.reading);
             return true;
         }
@@ -173,7 +171,7 @@ class block_explainer {
         case control::sharpness: add_strength("sharpness", input.sharpness, rule, controls); break;
         case control::fringe_sharpness:
             add("sharpness", input.sharpness, std::abs(control_share(input.sharpness)));
-            controls.back().meaning += input.sharpness < 0 ? "0" : "65535";
+            controls.back().meaning += std::to_string(fringe_control_end(input.sharpness));
             break;
         case control::hue: add("hue", input.hue, 180.0 * control_share(input.hue)); break;
         case control::saturation: add("saturation", input.saturation, frame_.origin.saturation); break;

@@ -1,29 +1,25 @@
 #include "desk/explain/selected_records.h"
 
 #include <algorithm>
-#include <cstring>
+#include <iterator>
 
 #include "desk/tuning/source_names.h"
+#include "tuning/record_view.h"
 #include "tuning/selection_rule.h"
+#include "tuning/slots.h"
 
 namespace qz::desk {
 
 namespace {
 
-struct slot_place {
-    std::string_view name;
-    size_t offset; // in isp_tuning_set
-};
-
-#define QZ_SLOT(name) slot_place{#name, offsetof(isp_tuning_set, name)},
-constexpr slot_place slots[] = {ISP_TUNING_SLOTS(QZ_SLOT)};
+#define QZ_SLOT(name) #name,
+constexpr std::string_view slot_names[] = {ISP_TUNING_SLOTS(QZ_SLOT)};
 #undef QZ_SLOT
 
-const isp_record *record_in(const isp_tuning_set &set, const slot_place &slot)
+// As in slot_names, slot_groups and tuning_slot.
+const isp_record *listed_record(const isp_tuning_set &set, size_t number)
 {
-    const isp_record *record = nullptr;
-    std::memcpy(&record, reinterpret_cast<const uint8_t *>(&set) + slot.offset, sizeof(void *));
-    return record;
+    return record_in(set, slot_groups[number].first);
 }
 
 struct set_slot {
@@ -51,10 +47,8 @@ std::string_view name_of(const std::string_view (&names)[count], uint16_t number
     return number >= 1 && number <= count ? names[number - 1u] : "";
 }
 
-evaluated_rule evaluate(const uint8_t *bytes, const frame_inputs &inputs, int32_t set_count)
+evaluated_rule evaluate(const isp_selection_rule &rule, const frame_inputs &inputs, int32_t set_count)
 {
-    isp_selection_rule rule;
-    std::memcpy(&rule, bytes, sizeof rule);
     evaluated_rule result = {name_of(rule_kinds, rule.kind),
                              name_of(rule_ops, rule.op),
                              rule.threshold,
@@ -63,7 +57,7 @@ evaluated_rule evaluate(const uint8_t *bytes, const frame_inputs &inputs, int32_
                              std::nullopt,
                              false};
     const isp_geometry *frame = inputs.frame ? &inputs.frame->size : nullptr;
-    if (const isp_geometry *size = compared_geometry(rule.kind, frame, inputs.aux_size ? &*inputs.aux_size : nullptr)) {
+    if (const isp_geometry *size = compared_geometry(rule.kind, frame, address_of(inputs.aux_size))) {
         result.area = area_of(*size);
         result.matches = matches(rule, *result.area);
     }
@@ -74,7 +68,7 @@ evaluated_rule evaluate(const uint8_t *bytes, const frame_inputs &inputs, int32_
 
 std::string_view slot_name(tuning_slot slot)
 {
-    return slots[static_cast<size_t>(slot)].name;
+    return slot_names[static_cast<size_t>(slot)];
 }
 
 filed_records::filed_records(const isp_session &session)
@@ -84,9 +78,9 @@ filed_records::filed_records(const isp_session &session)
     const isp_context &context = session.context();
     for (unsigned index = 0; index < static_cast<unsigned>(context.set_count); ++index) {
         for (uint8_t set = 0; set < 3; ++set) {
-            for (const slot_place &slot : slots) {
-                const auto offset = offsets.find({index, set, slot.name});
-                places_[record_in(context.tuning_sets[set][index], slot)] = {
+            for (size_t slot = 0; slot < std::size(slot_names); ++slot) {
+                const auto offset = offsets.find({index, set, slot_names[slot]});
+                places_[listed_record(context.tuning_sets[set][index], slot)] = {
                     set, index, offset != offsets.end() ? std::optional(offset->second) : std::nullopt};
             }
         }
@@ -100,15 +94,15 @@ frame_selection::frame_selection(const isp_session &session, const filed_records
     const isp_context &context = session.context();
     if (context.rules.first_rule == nullptr || context.set_count < 2)
         return;
-    const byte_view record(static_cast<const uint8_t *>(context.rules.record), rules_start);
-    const auto *rule = static_cast<const uint8_t *>(context.rules.first_rule);
-    for (uint32_t i = read_le<uint32_t>(record, rules_start - 4); i > 0; --i, rule += rule_size)
-        rules_.push_back(evaluate(rule, inputs, context.set_count));
+    const auto count = value_at<uint32_t>(context.rules.record, ISP_RULE_COUNT_AT);
+    for (size_t i = 0; i < count; ++i)
+        rules_.push_back(
+            evaluate(value_at<isp_selection_rule>(context.rules.first_rule, i * rule_size), inputs, context.set_count));
 }
 
 std::optional<selected_record> frame_selection::find(tuning_slot slot) const
 {
-    const isp_record *copy = record_in(selected_, slots[static_cast<size_t>(slot)]);
+    const isp_record *copy = listed_record(selected_, static_cast<size_t>(slot));
     if (copy == nullptr)
         return std::nullopt;
     const auto &[set, set_index, offset] = filed_->place_of(copy);
@@ -130,32 +124,16 @@ std::optional<size_t> frame_selection::rule_of(unsigned set_index) const
     return found != rules_.end() ? std::optional(static_cast<size_t>(found - rules_.begin())) : std::nullopt;
 }
 
-bool has_gain_rows(const record_kind &kind)
-{
-    return kind.has_rows() && kind.layout != ISP_LAYOUT_ENTRIES;
-}
-
 int32_t record_rows::key(size_t row) const
 {
-    const byte_view start(bytes + row * size, sizeof(int32_t));
-    return wide ? read_le<int32_t>(start, 0) : read_le<uint16_t>(start, 0);
+    return wide ? value_at<int32_t>(bytes, row * size) : value_at<uint16_t>(bytes, row * size);
 }
 
 record_rows rows_of(const selected_record &record)
 {
-    const bool wide = record.kind->has_long_rows();
-    const auto *bytes = reinterpret_cast<const uint8_t *>(record.copy) + record.kind->start;
-    record_rows rows = {0, record.kind->size, bytes, wide};
-    if (wide) {
-        int32_t count = 0;
-        std::memcpy(&count, bytes - sizeof count, sizeof count);
-        rows.count = count > 0 ? static_cast<size_t>(count) : 0;
-    } else {
-        uint16_t count = 0;
-        std::memcpy(&count, bytes - sizeof count, sizeof count);
-        rows.count = count;
-    }
-    return rows;
+    const record_kind &kind = *record.kind;
+    return {row_count(record.copy, kind.layout), kind.size, reinterpret_cast<const uint8_t *>(record.copy) + kind.start,
+            kind.has_long_rows()};
 }
 
 std::vector<int32_t> row_values(const selected_record &record, size_t row)

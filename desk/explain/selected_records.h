@@ -77,9 +77,6 @@ class frame_selection {
     bool index_0_first_; // a selection list takes it before any rule
 };
 
-// Whether a record of the shape has rows that a gain lies between.
-bool has_gain_rows(const record_kind &kind);
-
 // The rows of a record of one of the row shapes.
 struct record_rows {
     size_t count;

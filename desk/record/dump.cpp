@@ -11,7 +11,8 @@ namespace qz::desk {
 
 namespace {
 
-constexpr uint32_t header_size = 8;
+constexpr uint32_t header_size = block_header_size;
+constexpr uint32_t bytes_per_gain = shading_channels * sizeof(uint16_t); // one of each channel
 constexpr size_t columns_at = offsetof(aic_lens_shading_block, payload.columns);
 constexpr size_t rows_at = offsetof(aic_lens_shading_block, payload.rows);
 
@@ -73,13 +74,13 @@ class dump_reader {
         if (rest < header_size || word(offset) != block.id)
             return 0;
         const auto size = word(offset + 4);
-        constexpr uint32_t largest = header_size + 8 * AIC_LENS_SHADING_MAX_ENTRIES;
-        if (size < header_size || size % 8 != 0 || size > std::min<size_t>(rest, largest))
+        constexpr uint32_t largest = header_size + bytes_per_gain * AIC_LENS_SHADING_MAX_ENTRIES;
+        if (size < header_size || size % bytes_per_gain != 0 || size > std::min<size_t>(rest, largest))
             fail_at(offset + 4, fmt::format("a size of {}", size),
-                    fmt::format("a multiple of 8 up to {} for block {} ({})", std::min<size_t>(rest, largest), block.id,
-                                block.name));
+                    fmt::format("a multiple of {} up to {} for block {} ({})", bytes_per_gain,
+                                std::min<size_t>(rest, largest), block.id, block.name));
         if (size >= AIC_LENS_SHADING_TABLES_OFFSET)
-            expect_entries(offset, (size - header_size) / 8);
+            expect_entries(offset, (size - header_size) / bytes_per_gain);
         return size;
     }
 

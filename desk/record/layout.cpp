@@ -71,14 +71,13 @@ consteval size_t field_count()
 // The blocks' fields, one block after the other, at their places in the record.
 consteval auto placed_fields()
 {
-    constexpr uint32_t header_size = 8;
     std::array<field, field_count()> placed = {};
     size_t count = 0;
     for (const block_row &row : rows) {
         for (const payload_field &one : payload_fields) {
             if (belongs(one, row)) {
                 placed[count] = one.described;
-                placed[count++].offset += row.block.offset + header_size;
+                placed[count++].offset += row.block.offset + block_header_size;
             }
         }
     }

@@ -1,15 +1,20 @@
 // The blocks of the AIC output record and their fields.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <string_view>
+#include <type_traits>
 
 #include "desk/base/fields.h"
 #include "qz_isp/aic_record.h"
 
 namespace qz::desk {
+
+// Bytes of a block's id and size.
+constexpr uint32_t block_header_size = offsetof(aic_white_balance_block, payload);
 
 struct block_layout {
     std::string_view name;
@@ -47,7 +52,7 @@ size_t used_count(const record_snapshot &snapshot, const block_layout &block, co
 // The elements in use, as far as the record is held.
 std::vector<int64_t> field_values(const record_snapshot &snapshot, const block_layout &block, const field &described);
 
-constexpr size_t shading_channels = 4;
+constexpr size_t shading_channels = std::extent_v<decltype(aic_lens_shading::table)>;
 
 // The lens shading tables: rows x columns entries a channel, as far as they lie inside the record and it is held.
 struct shading_table {

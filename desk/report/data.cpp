@@ -35,10 +35,9 @@ scene without_tone(scene scene)
 json effects_json(uint32_t effects)
 {
     json names = json::array();
-    for (const std::string_view name : effect_names) {
-        if ((effects & 1u) != 0)
+    for (const auto &[bit, name] : named_effects) {
+        if ((effects & bit) != 0)
             names.push_back(name);
-        effects >>= 1;
     }
     return names;
 }

@@ -29,25 +29,19 @@ void bind(const characterisation &source, bound_characterisation &bound)
     bound.cmc.entry_table = source.entries ? bound.entries.data() : nullptr;
 }
 
-template <typename Record>
-const Record *address_of(const std::optional<Record> &record)
-{
-    return record ? &*record : nullptr;
-}
-
-const float *address_of(const curve &numbers)
+const float *numbers_of(const curve &numbers)
 {
     return numbers ? numbers->data() : nullptr;
 }
 
 isp_gamma_params bind(const gamma_inputs &gamma)
 {
-    return {{address_of(gamma.curves[0]), address_of(gamma.curves[1]), address_of(gamma.curves[2])}, gamma.point_count};
+    return {{numbers_of(gamma.curves[0]), numbers_of(gamma.curves[1]), numbers_of(gamma.curves[2])}, gamma.point_count};
 }
 
 isp_lsc_params bind(const shading_inputs &lsc)
 {
-    return {{address_of(lsc.grids[0]), address_of(lsc.grids[1]), address_of(lsc.grids[2]), address_of(lsc.grids[3])},
+    return {{numbers_of(lsc.grids[0]), numbers_of(lsc.grids[1]), numbers_of(lsc.grids[2]), numbers_of(lsc.grids[3])},
             lsc.width,
             lsc.height,
             lsc.enable,

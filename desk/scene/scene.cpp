@@ -17,10 +17,10 @@ uint32_t read_effects(const json_node &node)
         return static_cast<uint32_t>(node.integer(0, UINT32_MAX));
     uint32_t effects = 0;
     for (const json_node &item : node.items()) {
-        const auto *const name = std::ranges::find(effect_names, item.text());
-        if (name == std::end(effect_names))
+        const std::optional<uint32_t> bit = effect_bit(item.text());
+        if (!bit)
             item.fail(fmt::format("\"{}\"", item.text()), fmt::format("one of {}", fmt::join(effect_names, ", ")));
-        effects |= 1u << (name - std::begin(effect_names));
+        effects |= *bit;
     }
     return effects;
 }

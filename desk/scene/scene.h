@@ -54,6 +54,13 @@ struct scene {
     std::vector<frame_inputs> frames;
 };
 
+// What the library is handed of an input: null where there is none.
+template <typename Record>
+const Record *address_of(const std::optional<Record> &record)
+{
+    return record ? &*record : nullptr;
+}
+
 scene read_scene(const std::string &file, std::string_view text);
 
 } // namespace qz::desk

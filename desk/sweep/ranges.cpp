@@ -108,10 +108,10 @@ std::optional<double> effects_word(std::string_view text)
     uint32_t word = 0;
     for (size_t start = 0, end = 0; end != std::string_view::npos; start = end + 1) {
         end = text.find('+', start);
-        const auto *const effect = std::ranges::find(effect_names, text.substr(start, end - start));
-        if (effect == std::end(effect_names))
+        const std::optional<uint32_t> bit = effect_bit(text.substr(start, end - start));
+        if (!bit)
             return std::nullopt;
-        word |= 1u << (effect - std::begin(effect_names));
+        word |= *bit;
     }
     return word;
 }

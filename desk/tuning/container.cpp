@@ -91,7 +91,7 @@ class container_reader {
                                 rules_start));
             return;
         }
-        const uint64_t count = read_le<uint32_t>(record.body, 4);
+        const auto count = static_cast<uint64_t>(stated_rows(record).value_or(0));
         if (count * rule_size + rules_start > record.size())
             problem(false, record.offset,
                     fmt::format("found {} rules, its bytes hold {}: no rule is used", count,
@@ -102,9 +102,9 @@ class container_reader {
     {
         if (record.place->kind == nullptr) {
             if (record.place->refused())
-                problem(
-                    true, record.offset,
-                    fmt::format("found id offset {} of the 320 family, expected 1 to 18 or 20", record.place->offset));
+                problem(true, record.offset,
+                        fmt::format("found id offset {} of the 320 family, expected {}", record.place->offset,
+                                    allowed_in_320()));
             return;
         }
         check_rows(record);
@@ -131,13 +131,17 @@ class container_reader {
 
     void check_fringe(const tuning_record &record, size_t rows)
     {
-        const size_t count2_end = 12 + 18 * rows;
-        if (record.version > 100 && count2_end > record.size())
+        const record_kind &kind = *record.place->kind;
+        const size_t count2_end = kind.start + kind.size * rows + sizeof(uint16_t);
+        if (record.version >= ISP_FRINGE_COUNT2_SINCE && count2_end > record.size())
             problem(false, record.offset,
-                    fmt::format("found version {} without its second count: read as version 100", record.version));
-        else if (record.version > 101 && count2_end + 8 * rows > record.size())
+                    fmt::format("found version {} without its second count: read as version {}", record.version,
+                                ISP_FRINGE_COUNT2_SINCE - 1));
+        else if (record.version >= ISP_FRINGE_EXTRA_SINCE &&
+                 count2_end + rows * sizeof(isp_fringe_control_extra_row) > record.size())
             problem(false, record.offset,
-                    fmt::format("found version {} without its second table: read as version 101", record.version));
+                    fmt::format("found version {} without its second table: read as version {}", record.version,
+                                ISP_FRINGE_EXTRA_SINCE - 1));
     }
 
     byte_view bytes_;
@@ -180,14 +184,14 @@ std::string problem_text(const tuning_problem &problem)
 std::optional<int64_t> stated_rows(const tuning_record &record)
 {
     if (record.id == rules_id && record.size() >= rules_start)
-        return read_le<uint32_t>(record.body, 4);
+        return read_le<uint32_t>(record.body, rules_reserved);
     if (!record.place || record.place->kind == nullptr)
         return std::nullopt;
     const record_kind &kind = *record.place->kind;
     if (!kind.has_rows() || record.size() < kind.start)
         return std::nullopt;
     if (kind.has_long_rows())
-        return static_cast<int32_t>(read_le<uint32_t>(record.body, ISP_LONG_ROW_COUNT_AT - record_header_size));
+        return static_cast<int32_t>(read_le<uint32_t>(record.body, long_rows_reserved));
     return read_le<uint16_t>(record.body, ISP_SHORT_ROW_COUNT_AT - record_header_size);
 }
 

@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
 
 namespace qz::desk {
 
@@ -22,17 +26,6 @@ ISP_TUNING_STRUCTS(QZ_STRUCT, QZ_MEMBER)
 #undef QZ_STRUCT
 #undef QZ_MEMBER
 
-constexpr uint32_t size_of(element type)
-{
-    switch (type) {
-    case element::u8:
-    case element::i8: return 1;
-    case element::u16:
-    case element::i16: return 2;
-    default: return 4;
-    }
-}
-
 // Every byte of the struct belongs to one field, in their order.
 template <typename Struct>
 constexpr bool is_listed_whole()
@@ -41,7 +34,7 @@ constexpr bool is_listed_whole()
     for (const field &each : fields_of<Struct>) {
         if (each.offset != end)
             return false;
-        end += each.count * size_of(each.type);
+        end += each.count * element_size(each.type);
     }
     return end == sizeof(Struct);
 }
@@ -94,6 +87,26 @@ std::span<const field> fringe_extra_row()
 bool record_place::refused() const
 {
     return kind == nullptr && family == 320 && std::ranges::find(dropped_in_320, offset) == std::end(dropped_in_320);
+}
+
+std::string allowed_in_320()
+{
+    const auto is_allowed = [](uint8_t offset) {
+        const std::optional<record_place> place = find_place(static_cast<uint16_t>(320 + offset));
+        return place && !place->refused();
+    };
+    std::vector<std::string> runs;
+    for (uint8_t first = 0; first < ISP_TUNING_GROUP_IDS; ++first) {
+        uint8_t end = first;
+        while (is_allowed(end))
+            ++end;
+        if (end - first > 1)
+            runs.push_back(fmt::format("{} to {}", first, end - 1));
+        else if (end > first)
+            runs.push_back(std::to_string(first));
+        first = end;
+    }
+    return fmt::format("{}", fmt::join(runs, " or "));
 }
 
 std::span<const record_kind> record_kinds()

@@ -1,25 +1,33 @@
 // The records of a tuning container: which id is which slot, and how its bytes are laid out.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "desk/base/fields.h"
 #include "qz_isp/tuning_layout.h"
+#include "qz_mkn.h"
+#include "tuning/record_view.h"
 
 namespace qz::desk {
 
 constexpr uint32_t record_header_size = ISP_RECORD_HEADER_SIZE;
-constexpr uint32_t container_header_size = 24;
-// "VUXB" as the first four bytes of a container read as a number.
-constexpr uint32_t container_tag = 0x42585556;
+constexpr uint32_t container_header_size = QZ_MKN_HEADER_SIZE;
+constexpr uint32_t container_tag = ISP_CONTAINER_TAG;
 constexpr uint16_t rules_id = ISP_RULES_ID;
 constexpr uint16_t set_container_base = ISP_SET_CONTAINER_BASE;
 constexpr uint16_t first_set_container_id = set_container_base + 1; // set index 1
 constexpr uint32_t rules_start = ISP_RULES_START;
 constexpr uint32_t rule_size = sizeof(isp_selection_rule);
+// Bytes between the header and the count that nothing reads.
+constexpr uint32_t long_rows_reserved = ISP_LONG_ROW_COUNT_AT - record_header_size;
+constexpr uint32_t rules_reserved = ISP_RULE_COUNT_AT - record_header_size;
+// By their first ids.
+constexpr std::array<uint16_t, 3> families = {320, 768, 1536};
 
 struct record_kind {
     std::string_view name;
@@ -32,7 +40,7 @@ struct record_kind {
     uint32_t size;                 // bytes of a row, or of the values
     std::span<const field> fields; // of a row, or of the values
 
-    bool has_rows() const { return layout != ISP_LAYOUT_HELD && layout != ISP_LAYOUT_VALUES; }
+    bool has_rows() const { return qz::has_rows(layout); }
     bool has_long_rows() const { return layout == ISP_LAYOUT_LONG_ROWS; }
 };
 
@@ -50,6 +58,9 @@ struct record_place {
 };
 
 std::span<const record_kind> record_kinds();
+
+// The id offsets of the 320 family that a container may have: "1 to 18 or 20".
+std::string allowed_in_320();
 
 // Nothing for ids outside the families.
 std::optional<record_place> find_place(uint16_t id);

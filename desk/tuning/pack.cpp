@@ -1,7 +1,6 @@
 #include "desk/tuning/pack.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 
 #include <fmt/format.h>
@@ -88,13 +87,17 @@ std::vector<json_node> counted_rows(const json_node &list, uint64_t limit)
 
 void append_fringe_tail(byte_buffer &bytes, const json_node &node, int64_t version, size_t rows)
 {
-    if (version <= 100 && node.find("count2"))
-        node.fail(fmt::format("\"count2\" in version {}", version), "version 101 or above with it");
-    if (version <= 101 && node.find("extra"))
-        node.fail(fmt::format("\"extra\" in version {}", version), "version 102 or above with it");
-    if (version > 100)
+    const auto has = [&](std::string_view name, uint32_t since) {
+        if (version < since && node.find(name))
+            node.fail(fmt::format("\"{}\" in version {}", name, version),
+                      fmt::format("version {} or above with it", since));
+        return version >= since;
+    };
+    const bool has_count2 = has("count2", ISP_FRINGE_COUNT2_SINCE);
+    const bool has_extra = has("extra", ISP_FRINGE_EXTRA_SINCE);
+    if (has_count2)
         append_element(bytes, element::u16, node.at("count2"));
-    if (version > 101)
+    if (has_extra)
         append_rows(bytes, fringe_extra_row(), node.at("extra").items(rows));
 }
 
@@ -107,7 +110,7 @@ byte_buffer pack_table(const json_node &node, const record_kind &kind, int64_t v
     byte_buffer bytes;
     if (wide) {
         const std::optional<json_node> reserved = node.find("reserved");
-        append(bytes, reserved ? reserved->hex(8) : byte_buffer(8));
+        append(bytes, reserved ? reserved->hex(long_rows_reserved) : byte_buffer(long_rows_reserved));
         append_le(bytes, static_cast<uint32_t>(rows.size()));
     } else {
         append_le(bytes, static_cast<uint16_t>(rows.size()));
@@ -144,21 +147,21 @@ byte_buffer pack_rules(const json_node &node)
 {
     byte_buffer bytes;
     const std::optional<json_node> reserved = node.find("reserved");
-    append(bytes, reserved ? reserved->hex(4) : byte_buffer(4));
+    append(bytes, reserved ? reserved->hex(rules_reserved) : byte_buffer(rules_reserved));
     const std::vector<json_node> rules = node.at("rules").items();
     append_le(bytes, static_cast<uint32_t>(rules.size()));
     for (const json_node &rule : rules) {
         rule.expect_names({"kind", "op", "threshold", "set_index", "reserved"});
-        append_le(bytes, read_named(rule.at("kind"), rule_kinds));
-        append_le(bytes, read_named(rule.at("op"), rule_ops));
-        append_element(bytes, element::u16, rule.at("set_index"));
         const std::optional<json_node> unused = rule.find("reserved");
-        append_le(bytes, static_cast<uint16_t>(unused ? unused->integer(0, UINT16_MAX) : 0));
-        const double threshold =
-            rule.at("threshold").number(std::numeric_limits<double>::lowest(), std::numeric_limits<double>::max());
-        uint64_t bits = 0;
-        std::memcpy(&bits, &threshold, sizeof bits);
-        append_le(bytes, bits);
+        using limits = std::numeric_limits<double>;
+        const isp_selection_rule packed = {
+            .kind = read_named(rule.at("kind"), rule_kinds),
+            .op = read_named(rule.at("op"), rule_ops),
+            .set_index = static_cast<uint16_t>(rule.at("set_index").integer(0, UINT16_MAX)),
+            .unused = static_cast<uint16_t>(unused ? unused->integer(0, UINT16_MAX) : 0),
+            .threshold = rule.at("threshold").number(limits::lowest(), limits::max()),
+        };
+        append(bytes, byte_view(reinterpret_cast<const uint8_t *>(&packed), sizeof packed));
     }
     return bytes;
 }
@@ -177,8 +180,8 @@ uint16_t slot_id(const json_node &node)
     const json_node family = node.at("family");
     const json_node set = node.at("set");
     const int64_t base = family.integer(0, UINT16_MAX);
-    if (base != 320 && base != 768 && base != 1536)
-        family.fail(std::to_string(base), "320, 768 or 1536");
+    if (std::ranges::find(families, base) == families.end())
+        family.fail(std::to_string(base), fmt::format("{}, {} or {}", families[0], families[1], families[2]));
     const std::optional<uint16_t> id =
         id_of(*kind, static_cast<uint16_t>(base), static_cast<uint8_t>(set.integer(0, 2)));
     if (!id)

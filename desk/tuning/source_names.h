@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string_view>
+#include <type_traits>
 
 #include "desk/tuning/layout.h"
 
@@ -13,7 +14,7 @@ constexpr std::string_view rule_kinds[] = {"frame", "aux_size"};
 constexpr std::string_view rule_ops[] = {"==", "<", ">", "<=", ">="};
 
 // A multi-axis entry's matrices, row by row.
-constexpr size_t macc_matrices = 16;
-constexpr size_t macc_matrix_size = 4;
+constexpr size_t macc_matrices = std::extent_v<decltype(isp_macc_entry::matrix), 0>;
+constexpr size_t macc_matrix_size = std::extent_v<decltype(isp_macc_entry::matrix), 1>;
 
 } // namespace qz::desk

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <nlohmann/json.hpp>
 
 #include "desk/base/json_fields.h"
@@ -46,19 +45,18 @@ json macc_json(const json &row)
 // The parts behind the main table that the version promises, as far as the size says they are there.
 bool add_fringe_tail(json &result, const tuning_record &record, size_t rows)
 {
-    const size_t count2 = 2 + 18 * rows; // in the body
-    size_t expected = count2;
-    if (record.version > 100)
-        expected += 2;
-    if (record.version > 101)
-        expected += 8 * rows;
+    const record_kind &kind = *record.place->kind;
+    const bool has_count2 = record.version >= ISP_FRINGE_COUNT2_SINCE;
+    const bool has_extra = record.version >= ISP_FRINGE_EXTRA_SINCE;
+    const size_t count2 = kind.start - record_header_size + kind.size * rows; // in the body
+    const size_t extra = count2 + (has_count2 ? sizeof(uint16_t) : 0);
+    const size_t expected = extra + (has_extra ? rows * sizeof(isp_fringe_control_extra_row) : 0);
     if (record.body.size() != expected)
         return false;
-    if (record.version > 100)
+    if (has_count2)
         result["count2"] = read_le<uint16_t>(record.body, count2);
-    if (record.version > 101)
-        result["extra"] =
-            rows_json(record.body, count2 + 2, rows, sizeof(isp_fringe_control_extra_row), fringe_extra_row());
+    if (has_extra)
+        result["extra"] = rows_json(record.body, extra, rows, sizeof(isp_fringe_control_extra_row), fringe_extra_row());
     return true;
 }
 
@@ -71,8 +69,8 @@ bool add_table(json &result, const tuning_record &record, const record_kind &kin
         return false;
     const auto rows = static_cast<size_t>(*stated);
 
-    if (kind.has_long_rows() && !all_zero(record.body.first(8)))
-        result["reserved"] = hex_text(record.body.first(8));
+    if (kind.has_long_rows() && !all_zero(record.body.first(long_rows_reserved)))
+        result["reserved"] = hex_text(record.body.first(long_rows_reserved));
     json list = rows_json(record.body, start, rows, size, kind.fields);
     if (kind.layout == ISP_LAYOUT_ENTRIES) {
         std::ranges::transform(list, list.begin(), macc_json);
@@ -100,27 +98,23 @@ json named_or_number(std::span<const std::string_view> names, uint16_t number)
 
 bool add_rules(json &result, const tuning_record &record)
 {
-    if (record.size() < rules_start)
+    const std::optional<int64_t> count = stated_rows(record);
+    if (!count || static_cast<uint64_t>(*count) * rule_size + rules_start != record.size())
         return false;
-    const uint64_t count = read_le<uint32_t>(record.body, 4);
-    if (count * rule_size + rules_start != record.size())
-        return false;
-    if (!all_zero(record.body.first(4)))
-        result["reserved"] = hex_text(record.body.first(4));
+    if (!all_zero(record.body.first(rules_reserved)))
+        result["reserved"] = hex_text(record.body.first(rules_reserved));
     json list = json::array();
     for (size_t at = rules_start - record_header_size; at < record.body.size(); at += rule_size) {
-        const auto bits = read_le<uint64_t>(record.body, at + 8);
-        double threshold = 0;
-        std::memcpy(&threshold, &bits, sizeof threshold);
-        if (!std::isfinite(threshold))
+        const auto rule = value_at<isp_selection_rule>(record.body.data(), at);
+        if (!std::isfinite(rule.threshold))
             return false;
-        json rule = {{"kind", named_or_number(rule_kinds, read_le<uint16_t>(record.body, at))},
-                     {"op", named_or_number(rule_ops, read_le<uint16_t>(record.body, at + 2))},
-                     {"threshold", threshold},
-                     {"set_index", read_le<uint16_t>(record.body, at + 4)}};
-        if (const auto reserved = read_le<uint16_t>(record.body, at + 6); reserved != 0)
-            rule["reserved"] = reserved;
-        list.push_back(std::move(rule));
+        json &made = list.emplace_back(json::object());
+        made = {{"kind", named_or_number(rule_kinds, rule.kind)},
+                {"op", named_or_number(rule_ops, rule.op)},
+                {"threshold", rule.threshold},
+                {"set_index", rule.set_index}};
+        if (rule.unused != 0)
+            made["reserved"] = rule.unused;
     }
     result["rules"] = std::move(list);
     return true;

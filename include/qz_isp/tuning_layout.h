@@ -12,12 +12,20 @@
 
 #include <stdint.h>
 
+/** The first four bytes of a container, `VUXB`, as a number. */
+#define ISP_CONTAINER_TAG 0x42585556u
+
 /** Bytes of a record's header, see isp_record. */
 #define ISP_RECORD_HEADER_SIZE 8u
 /** Byte of the u16 row count in a record of short rows. */
 #define ISP_SHORT_ROW_COUNT_AT 8u
 /** Byte of the i32 row count in a record of long rows; bytes 8 to 15 are not read. */
 #define ISP_LONG_ROW_COUNT_AT 16u
+
+/** First version of a `fringe_control` record in which a u16 base exponent follows the rows. */
+#define ISP_FRINGE_COUNT2_SINCE 101u
+/** First version of one in which a second table follows that. */
+#define ISP_FRINGE_EXTRA_SINCE 102u
 
 /** Id of the selection rule record. */
 #define ISP_RULES_ID 709u
@@ -183,14 +191,14 @@ typedef struct isp_y_edge_enhancement_row {
     uint16_t param[4]; /**< Parameters of the block. */
 } isp_y_edge_enhancement_row;
 
-/** Row of a `fringe_control` record. From version 101 on a u16 base exponent follows the rows. */
+/** Row of a `fringe_control` record. */
 typedef struct isp_fringe_control_row {
     uint16_t key;              /**< Total gain, 256 = unity. */
     uint16_t field_4_to_9[6];  /**< Before they are brought to 13 bits. */
     int16_t field_10_to_11[2]; /**< Likewise. */
 } isp_fringe_control_row;
 
-/** Row of a `fringe_control` record's second table, behind the base exponent from version 102 on. */
+/** Row of a `fringe_control` record's second table. */
 typedef struct isp_fringe_control_extra_row {
     uint16_t field_0_to_3[4]; /**< At the key of the first table's row of the same number. */
 } isp_fringe_control_extra_row;
