@@ -44,14 +44,15 @@ consteval size_t end_of_fields(std::string_view payload)
 
 // The lens shading block is the only one that goes beyond its header's size: its tables follow.
 #define QZ_CHECK_BLOCK(name, block_id, block_size, block_offset, payload, padding, family)                             \
-    static_assert(offsetof(aic_record, name) == (block_offset));                                                       \
-    static_assert((block_id) == 28 || sizeof(aic_##name##_block) == (size_t{block_size} + 7) / 8 * 8);                 \
+    static_assert(offsetof(aic_record, name) == (block_offset), "offset of block " #name);                             \
+    static_assert((block_id) == 28 || sizeof(aic_##name##_block) == (size_t{block_size} + 7) / 8 * 8,                  \
+                  "size and padding of block " #name);                                                                 \
     static_assert(end_of_fields(#payload) == sizeof(payload), "every field of " #payload " has a row in AIC_FIELDS");
 AIC_BLOCKS(QZ_CHECK_BLOCK)
 #undef QZ_CHECK_BLOCK
 
-static_assert(sizeof(aic_record) == AIC_RECORD_SIZE);
-static_assert(offsetof(aic_record, lens_shading) == AIC_FIXED_SIZE);
+static_assert(sizeof(aic_record) == AIC_RECORD_SIZE, "AIC_RECORD_SIZE is that of all blocks");
+static_assert(offsetof(aic_record, lens_shading) == AIC_FIXED_SIZE, "AIC_FIXED_SIZE is that of the blocks before");
 static_assert(offsetof(aic_lens_shading_block, payload.entries) == AIC_LENS_SHADING_TABLES_OFFSET);
 
 template <typename Block>

@@ -36,24 +36,20 @@ constexpr size_t start_of(isp_record_layout layout, size_t listed)
 #define QZ_CHECK_RECORD(name, slot, in_320, in_768, in_1536, layout, start, part, size)                                \
     static_assert(sizeof(part) == (size), #part " has the size of the record's rows or values");                       \
     static_assert((start) % alignof(part) == 0, #part " is read in place");                                            \
-    static_assert(start_of(ISP_LAYOUT_##layout, start) == (start), #name " starts where its layout says");
+    static_assert(start_of(ISP_LAYOUT_##layout, start) == (start), #name " starts where its layout says");             \
+    static_assert(groups_at(QZ_SLOT_GROUP(slot).first) == 1, #name " has a slot that ISP_TUNING_SLOTS lists");         \
+    static_assert(std::max({in_320, in_768, in_1536}) > 0, #name " has an id in one of the families");                 \
+    static_assert(std::max({in_320, in_768, in_1536}) < int{ISP_TUNING_GROUP_IDS}, #name " has ids within a group");
 ISP_TUNING_RECORDS(QZ_CHECK_RECORD)
 #undef QZ_CHECK_RECORD
 static_assert(sizeof(isp_fringe_control_extra_row) == 8);
 static_assert(sizeof(isp_selection_rule) == 16);
 
-static_assert(std::ranges::all_of(slot_groups,
-                                  [](slot_group group) {
-                                      return std::ranges::find(kinds, group.first, &record_kind::slot) !=
-                                             std::end(kinds);
-                                  }),
-              "every slot has a kind of record");
-static_assert(std::ranges::all_of(kinds,
-                                  [](const record_kind &kind) {
-                                      return std::ranges::find(slot_groups, kind.slot, &slot_group::first) !=
-                                             std::end(slot_groups);
-                                  }),
-              "every kind of record has a slot");
+#define QZ_CHECK_SLOT(name)                                                                                            \
+    static_assert(std::ranges::find(kinds, QZ_SLOT_GROUP(name).first, &record_kind::slot) != std::end(kinds),          \
+                  "slot " #name " has a kind of record in ISP_TUNING_RECORDS");
+ISP_TUNING_SLOTS(QZ_CHECK_SLOT)
+#undef QZ_CHECK_SLOT
 
 enum id_family : uint8_t { family_320, family_768, family_1536, family_count };
 
@@ -64,6 +60,10 @@ using id_offsets = std::array<uint8_t, family_count>;
 constexpr id_offsets offsets[] = {ISP_TUNING_RECORDS(QZ_OFFSETS)};
 #undef QZ_OFFSETS
 
+#define QZ_DROPPED(offset) offset,
+constexpr uint8_t dropped_in_320[] = {ISP_TUNING_DROPPED_IN_320(QZ_DROPPED)};
+#undef QZ_DROPPED
+
 // By id offset, a number in kinds or one of these.
 using kind_numbers = std::array<uint8_t, ISP_TUNING_GROUP_IDS>;
 constexpr uint8_t dropped = 0xfe;
@@ -73,11 +73,9 @@ consteval kind_numbers numbers_in(id_family family)
 {
     kind_numbers numbers;
     numbers.fill(family == family_320 ? refused : dropped);
-#define QZ_DROPPED(offset)                                                                                             \
-    if (family == family_320)                                                                                          \
-        numbers[offset] = dropped;
-    ISP_TUNING_DROPPED_IN_320(QZ_DROPPED)
-#undef QZ_DROPPED
+    if (family == family_320)
+        for (const uint8_t offset : dropped_in_320)
+            numbers[offset] = dropped;
     uint8_t number = 0;
     for (const id_offsets &each : offsets) {
         if (each[family] != 0)
@@ -89,13 +87,22 @@ consteval kind_numbers numbers_in(id_family family)
 
 constexpr kind_numbers numbers[] = {numbers_in(family_320), numbers_in(family_768), numbers_in(family_1536)};
 
-consteval bool offsets_are_unique(id_family family)
+// No other kind, nor the list of those that no slot takes, has an id of this one.
+consteval bool has_ids_of_its_own(record_name name)
 {
-    return std::ranges::count_if(offsets, [=](const id_offsets &each) { return each[family] != 0; }) ==
-           std::ranges::count_if(numbers[family], [](uint8_t number) { return number < std::size(kinds); });
+    const id_offsets &own = offsets[static_cast<size_t>(name)];
+    for (size_t family = 0; family < family_count; ++family) {
+        if (own[family] != 0 &&
+            std::ranges::count(offsets, own[family], [=](const id_offsets &each) { return each[family]; }) != 1)
+            return false;
+    }
+    return std::ranges::find(dropped_in_320, own[family_320]) == std::end(dropped_in_320);
 }
-static_assert(offsets_are_unique(family_320) && offsets_are_unique(family_768) && offsets_are_unique(family_1536),
-              "no two kinds of record have one id");
+
+#define QZ_CHECK_IDS(name, slot, in_320, in_768, in_1536, layout, start, part, size)                                   \
+    static_assert(has_ids_of_its_own(record_name::name), #name " has ids of its own");
+ISP_TUNING_RECORDS(QZ_CHECK_IDS)
+#undef QZ_CHECK_IDS
 
 struct id_group {
     id_family family;

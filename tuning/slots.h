@@ -29,22 +29,27 @@ struct slot_group {
 inline constexpr slot_group slot_groups[] = {ISP_TUNING_SLOTS(QZ_LISTED_GROUP)};
 #undef QZ_LISTED_GROUP
 
-consteval bool every_slot_is_in_one_group()
+// Groups that begin at a slot; one at the end of the set.
+consteval int groups_at(size_t slot)
 {
-    int groups[slot_count] = {};
-    const auto count = [&](slot_group group) {
-        for (size_t k = 0; k < group.slots; ++k)
-            ++groups[group.first + k];
-    };
+    int groups = slot == slot_count || slot == QZ_SLOT_GROUP(unused).first ? 1 : 0;
     for (const slot_group group : slot_groups)
-        count(group);
-    count(QZ_SLOT_GROUP(unused));
-    for (const int n : groups)
-        if (n != 1)
-            return false;
-    return true;
+        groups += group.first == slot ? 1 : 0;
+    return groups;
 }
-static_assert(every_slot_is_in_one_group(), "ISP_TUNING_SLOTS lists every slot of isp_tuning_set, each once");
+
+consteval size_t slot_behind(slot_group group)
+{
+    return size_t{group.first} + group.slots;
+}
+
+#define QZ_CHECK_SLOT(field)                                                                                           \
+    static_assert(groups_at(QZ_SLOT_GROUP(field).first) == 1, "slot " #field " is in ISP_TUNING_SLOTS once");          \
+    static_assert(groups_at(slot_behind(QZ_SLOT_GROUP(field))) != 0, "the slot behind " #field " is listed too");
+ISP_TUNING_SLOTS(QZ_CHECK_SLOT)
+#undef QZ_CHECK_SLOT
+static_assert(slot_groups[0].first == 0 && groups_at(slot_behind(QZ_SLOT_GROUP(unused))) != 0,
+              "the slots at the beginning and behind unused are listed too");
 
 inline void *slot_address(isp_tuning_set &set, size_t slot)
 {

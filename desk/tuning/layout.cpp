@@ -48,11 +48,11 @@ ISP_TUNING_STRUCTS(QZ_CHECK_STRUCT, )
 constexpr std::array kinds = {ISP_TUNING_RECORDS(QZ_KIND)};
 #undef QZ_KIND
 
-static_assert(std::ranges::all_of(kinds,
-                                  [](const record_kind &kind) {
-                                      return (kind.layout == ISP_LAYOUT_HELD) == kind.fields.empty();
-                                  }),
-              "the struct of every kind of record is listed");
+#define QZ_CHECK_KIND(name, slot, in_320, in_768, in_1536, layout, start, part, size)                                  \
+    static_assert((ISP_LAYOUT_##layout == ISP_LAYOUT_HELD) == fields_of<part>.empty(),                                 \
+                  "ISP_TUNING_STRUCTS lists " #part " of " #name);
+ISP_TUNING_RECORDS(QZ_CHECK_KIND)
+#undef QZ_CHECK_KIND
 
 struct id_group {
     uint16_t family;
