@@ -11,7 +11,7 @@ void compute_edge_enhancement(uint16_t gain, int8_t sharpness, const isp_table_s
         return;
 
     const auto pair = rows.around(gain);
-    *param0 = qz::scaled(pair.at(&row::param, 0), qz::strength_factor(sharpness, qz::edge_enhancement_strength_0));
+    *param0 = qz::scaled(pair.at(&row::param, 0), qz::strength_factor(sharpness, qz::edge_enhancement_0_strength));
     *param1 = pair.at(&row::param, 1);
-    *param2 = qz::scaled(pair.at(&row::param, 2), qz::strength_factor(sharpness, qz::edge_enhancement_strength_2));
+    *param2 = qz::scaled(pair.at(&row::param, 2), qz::strength_factor(sharpness, qz::edge_enhancement_2_strength));
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "qz_isp/noise_detail.h"
 #include "util/float_to_int.h"
 
 namespace qz {
@@ -11,15 +12,13 @@ namespace qz {
 struct strength_rule {
     double at_127; // what is added to a factor of 1.0 at the ends of the strength's range
     double at_minus_128;
-    uint32_t limit = 0; // of what a strength other than 0 gives; 0: none
+    uint32_t limit; // of what a strength other than 0 gives; 0: none
 };
 
-inline constexpr strength_rule temporal_noise_reduction_strength = {4.0, -0.8}; // a fifth to fivefold
-inline constexpr strength_rule noise_reduction_strength = {4.0, -0.8, 65535};
-inline constexpr strength_rule y_edge_enhancement_strength = {4.0, -0.8, 8191};
-inline constexpr strength_rule chroma_nr_strength = {-0.8, 4.0, 8191};      // the other way round
-inline constexpr strength_rule edge_enhancement_strength_0 = {2.0, -0.667}; // of parameter 0: a third to threefold
-inline constexpr strength_rule edge_enhancement_strength_2 = {1.0, -0.5};   // of parameter 2: half to twofold
+#define QZ_STRENGTH(name, at_127, at_minus_128, limit)                                                                 \
+    inline constexpr strength_rule name##_strength = {at_127, at_minus_128, limit};
+ISP_STRENGTHS(QZ_STRENGTH)
+#undef QZ_STRENGTH
 
 // Where a sharpness other than 0 moves fields 4 to 7 of fringe control, all the way at the ends of its range.
 constexpr int32_t fringe_control_end(int8_t sharpness)

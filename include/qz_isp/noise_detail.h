@@ -16,20 +16,32 @@
 #include "qz_isp/frame.h"
 #include "qz_isp/tuning.h"
 
+/**
+ * How far the strengths go: X(name, at 127, at -128, limit). A strength multiplies a value by 1.0 and a part of what
+ * stands here for the end of its range, linearly on either side of 0; what it gives is limited, unless by 0.
+ */
+#define ISP_STRENGTHS(X)                                                                                               \
+    X(temporal_noise_reduction, 4.0, -0.8, 0)                                                                          \
+    X(noise_reduction, 4.0, -0.8, 65535)                                                                               \
+    X(y_edge_enhancement, 4.0, -0.8, 8191)                                                                             \
+    X(chroma_nr, -0.8, 4.0, 8191)                                                                                      \
+    X(edge_enhancement_0, 2.0, -0.667, 0)                                                                              \
+    X(edge_enhancement_2, 1.0, -0.5, 0)
+
 /** Defect pixel correction: rows of a key and two values. */
 QZ_ISP_API void compute_defect_pixel_correction(uint16_t gain, const isp_table_slot *slot, uint32_t *param0,
                                                 uint32_t *param1);
 
 /**
- * Bayer noise reduction: rows of a key and five values. The strength scales parameters 0 and 1 by 0.2 (-128) to 5
- * (127), limited to 65535.
+ * Bayer noise reduction: rows of a key and five values. The strength scales parameters 0 and 1, as ISP_STRENGTHS tells
+ * of noise_reduction.
  */
 QZ_ISP_API void compute_noise_reduction(uint16_t gain, const isp_table_slot *slot, int8_t strength, uint32_t *param0,
                                         uint32_t *param1, uint32_t *param2, uint32_t *param3, uint32_t *param4);
 
 /**
- * Temporal noise reduction: rows of a key and three values. The strength scales parameter 0 by 0.2 (-128) to 5 (127),
- * without a limit.
+ * Temporal noise reduction: rows of a key and three values. The strength scales parameter 0, as ISP_STRENGTHS tells of
+ * temporal_noise_reduction.
  */
 QZ_ISP_API void compute_temporal_noise_reduction(uint16_t gain, const isp_table_slot *slot, int8_t strength,
                                                  uint32_t *param0, uint32_t *param1, uint32_t *param2);
@@ -38,22 +50,22 @@ QZ_ISP_API void compute_temporal_noise_reduction(uint16_t gain, const isp_table_
 QZ_ISP_API void compute_xnr(uint16_t gain, const isp_table_slot *slot, uint32_t *param);
 
 /**
- * Edge enhancement: rows of a key and three values. The sharpness scales parameter 0 by 0.333 (-128) to 3 (127) and
- * parameter 2 by 0.5 to 2, without a limit. The sharpness stands before the slot, which is meant.
+ * Edge enhancement: rows of a key and three values. The sharpness scales parameters 0 and 2, as ISP_STRENGTHS tells of
+ * edge_enhancement_0 and edge_enhancement_2. It stands before the slot, which is meant.
  */
 QZ_ISP_API void compute_edge_enhancement(uint16_t gain, int8_t sharpness, const isp_table_slot *slot, uint32_t *param0,
                                          uint32_t *param1, uint32_t *param2);
 
 /**
- * Y edge enhancement: rows of a key and four values. The sharpness scales all of them by 0.2 (-128) to 5 (127), limited
- * to 8191.
+ * Y edge enhancement: rows of a key and four values. The sharpness scales all of them, as ISP_STRENGTHS tells of
+ * y_edge_enhancement.
  */
 QZ_ISP_API void compute_y_edge_enhancement(uint16_t gain, const isp_table_slot *slot, int8_t sharpness,
                                            uint16_t *param0, uint16_t *param1, uint16_t *param2, uint16_t *param3);
 
 /**
  * Chroma noise reduction: rows of a key and eight values, 8-bit ones (the first two count 32-fold) or 16-bit ones. The
- * strength scales fields 2 to 7 the other way: by 5 (-128) to 0.2 (127), limited to 8191.
+ * strength scales fields 2 to 7, as ISP_STRENGTHS tells of chroma_nr: the other way.
  * @p fields receives eight fields.
  */
 QZ_ISP_API void compute_chroma_nr(uint16_t gain, const isp_chroma_nr_slot *slot, int8_t strength, uint16_t *fields);
