@@ -1,7 +1,6 @@
 // x^g in double, close enough that the float next to it is the right one unless it lies next to a rounding boundary.
 #pragma once
 
-#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -9,6 +8,13 @@
 #include "util/simd/dispatch.h"
 
 namespace qz {
+
+template <typename To, typename From>
+QZ_ALWAYS_INLINE void copy_bits(To &to, const From &from)
+{
+    static_assert(sizeof to == sizeof from);
+    memcpy(&to, &from, sizeof to);
+}
 
 // A positive normal float as 2^exponent z, and the interval of z.
 struct power_base {
@@ -20,9 +26,9 @@ struct power_base {
 QZ_ALWAYS_INLINE power_base split_base(uint32_t bits)
 {
     const uint32_t offset = bits - power_constants::first_z;
-    return {.interval = offset >> 19 & 15u,
-            .exponent = static_cast<int32_t>(offset) >> 23,
-            .z = std::bit_cast<float>(bits - (offset & 0xff800000u))};
+    power_base base = {.interval = offset >> 19 & 15u, .exponent = static_cast<int32_t>(offset) >> 23, .z = 0.0f};
+    copy_bits(base.z, bits - (offset & 0xff800000u));
+    return base;
 }
 
 // Bases whose estimate is within estimate_error of the power for exponents of 0.2 to 5, and whose power is a normal
@@ -30,16 +36,11 @@ QZ_ALWAYS_INLINE power_base split_base(uint32_t bits)
 inline constexpr uint32_t first_ordinary = 0x33000000;
 inline constexpr uint32_t ordinary_end = 0x4c000000;
 
-// In units of the estimate's last place. 500 are not reached: half of it is the error of the polynomials, the rest the
-// rounding of logarithms of up to 25, times 5.
+// In units of the estimate's last place. 500 are not reached, however the polynomials are summed: half of it is their
+// error, the rest the rounding of logarithms of up to 25, times 5.
 inline constexpr uint64_t estimate_error = 1024;
 
-template <typename To, typename From>
-QZ_ALWAYS_INLINE void copy_bits(To &to, const From &from)
-{
-    static_assert(sizeof to == sizeof from);
-    memcpy(&to, &from, sizeof to);
-}
+inline constexpr double to_integer = 0x1.8p52; // leaves the integer in the low bits of a sum
 
 // The bits of (2^k z)^exponent from z and its interval's inverse and logarithm. Real is double and Bits uint64_t, or
 // both are vectors. Additions and products are grouped so that independent ones stand side by side.
@@ -55,7 +56,6 @@ QZ_ALWAYS_INLINE void estimate_power(Bits &estimate, const Real &z, const Real &
     const Real series = ((l[0] + l[1] * r) + (l[2] + l[3] * r) * r2) + ((l[4] + l[5] * r) + l[6] * r2) * r4;
     const Real power = (log + k) * exponent + series * (r * exponent);
 
-    constexpr double to_integer = 0x1.8p52; // leaves the integer in the low bits of the sum
     const Real shifted = power + to_integer;
     const Real f = power - (shifted - to_integer);
     const Real f2 = f * f;

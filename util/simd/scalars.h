@@ -48,6 +48,14 @@ QZ_ALWAYS_INLINE scalars<T, Count> operator+(scalars<T, Count> a, const scalars<
 }
 
 template <typename T, int Count>
+QZ_ALWAYS_INLINE scalars<T, Count> operator+(scalars<T, Count> a, std::type_identity_t<T> b)
+{
+    for (int i = 0; i < Count; ++i)
+        a.number[i] += b;
+    return a;
+}
+
+template <typename T, int Count>
 QZ_ALWAYS_INLINE scalars<T, Count> operator-(scalars<T, Count> a, const scalars<T, Count> &b)
 {
     for (int i = 0; i < Count; ++i)
@@ -72,18 +80,17 @@ QZ_ALWAYS_INLINE scalars<T, Count> operator*(std::type_identity_t<T> a, scalars<
 }
 
 // Conversions are cheaper side by side.
-QZ_ALWAYS_INLINE void load_converted(vec<4> &v, const double *at)
-{
-    vec_of<double, 4> loaded;
-    load(loaded, at);
-    v = __builtin_convertvector(loaded, vec<4>);
-}
-
 QZ_ALWAYS_INLINE void store_converted(double *at, const vec<4> &v)
 {
     const vec_of<double, 4> converted = __builtin_convertvector(v, vec_of<double, 4>);
     store(at, __builtin_shufflevector(converted, converted, 0, 1));
     store(at + 2, __builtin_shufflevector(converted, converted, 2, 3));
+}
+QZ_ALWAYS_INLINE void load_converted(vec<4> &v, const double *at)
+{
+    vec_of<double, 4> loaded;
+    load(loaded, at);
+    v = __builtin_convertvector(loaded, vec<4>);
 }
 
 } // namespace qz
