@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "util/resample/cubic.h"
+#include "util/simd/doubles.h"
 #include "util/simd/scalars.h"
 #include "util/simd/vectors.h"
 
@@ -34,7 +35,7 @@ struct axis_position {
 template <int At, typename Reals, typename Floats, int... Element>
 QZ_ALWAYS_INLINE void take_elements(Reals &to, const Floats &from, std::integer_sequence<int, Element...> /*of to*/)
 {
-    to = __builtin_convertvector(__builtin_shufflevector(from, from, (At + Element)...), Reals);
+    convert<sizeof...(Element)>(to, __builtin_shufflevector(from, from, (At + Element)...));
 }
 
 template <int At, typename Reals, typename Floats>
@@ -49,26 +50,33 @@ QZ_ALWAYS_INLINE void take(Reals &to, const Floats &from)
 template <typename Reals>
 QZ_ALWAYS_INLINE void round_to_float(Reals &value)
 {
-    using floats = vec_of<float, sizeof(Reals) / sizeof(value[0])>;
-    value = __builtin_convertvector(__builtin_convertvector(value, floats), Reals);
+    if constexpr (std::is_same_v<std::remove_cvref_t<decltype(value[0])>, double>) {
+        constexpr int count = sizeof value / sizeof(double);
+        vec_of<float, count> rounded;
+        convert<count>(rounded, value);
+        convert<count>(value, rounded);
+    }
 }
 
 // Four samples of each column are gathered, and transposed in registers.
 template <typename Real>
 struct gathered_columns {
     static constexpr uint32_t width = 256;
-    static constexpr uint32_t block = 32; // as many destination samples as two of the widest vectors of 16-bit numbers
 
     uint32_t first[width]; // extended column of the first of four samples
     Real fraction[width];  // from the second sample to the third
 
-    QZ_ALWAYS_INLINE static uint32_t whole(uint32_t count) { return (count + block - 1) / block * block; }
+    template <int Lanes>
+    QZ_ALWAYS_INLINE static uint32_t whole(uint32_t count)
+    {
+        return (count + Lanes - 1) / Lanes * Lanes;
+    }
 
-    // count destination columns from one on, the last of them again up to a whole block.
-    template <typename Axis>
+    // count destination columns from one on, the last of them again up to a whole vector.
+    template <int Lanes, typename Axis>
     QZ_ALWAYS_INLINE void place(const Axis &axis, uint32_t from, uint32_t count)
     {
-        for (uint32_t c = 0; c < whole(count); ++c) {
+        for (uint32_t c = 0; c < whole<Lanes>(count); ++c) {
             const axis_position at(axis.position(from + std::min(c, count - 1)));
             first[c] = at.whole;
             fraction[c] = at.fraction;
@@ -78,7 +86,7 @@ struct gathered_columns {
     template <int Lanes>
     QZ_ALWAYS_INLINE void resample(uint32_t count, const float *row, Real *out)
     {
-        for (size_t c = 0; c < whole(count); c += Lanes) {
+        for (size_t c = 0; c < whole<Lanes>(count); c += Lanes) {
             vec<Lanes> tap[4];
             for (int i = 0; i < 4; ++i)
                 load_quads<4>(tap[i], row, first + c + i);
@@ -125,14 +133,18 @@ struct picked_columns {
     cubics<Real, most_samples> cubic; // from the second sample on
     uint32_t cubic_count;             // by a multiple of 4
 
-    QZ_ALWAYS_INLINE static uint32_t whole(uint32_t count) { return (count + block - 1) / block * block; }
+    template <int /*Lanes*/>
+    QZ_ALWAYS_INLINE static uint32_t whole(uint32_t count)
+    {
+        return (count + block - 1) / block * block;
+    }
 
-    template <typename Axis>
+    template <int Lanes, typename Axis>
     QZ_ALWAYS_INLINE void place(const Axis &axis, uint32_t from, uint32_t count)
     {
         uint32_t samples = 0;
         uint32_t next = 0; // column behind the last one picked
-        for (uint32_t c = 0; c < whole(count); ++c) {
+        for (uint32_t c = 0; c < whole<Lanes>(count); ++c) {
             const axis_position at(axis.position(from + (c < count ? c : count - 1)));
             for (uint32_t column = next > at.whole ? next : at.whole; column < at.whole + 4; ++column)
                 picked[samples++] = column;
@@ -146,7 +158,7 @@ struct picked_columns {
             picked[samples++] = next - 1;
     }
 
-    template <int /*Lanes*/>
+    template <int Lanes>
     QZ_ALWAYS_INLINE void resample(uint32_t count, const float *row, Real *out)
     {
         for (uint32_t i = 0; i < cubic_count + 4; i += 4) {
@@ -154,7 +166,7 @@ struct picked_columns {
             store_converted(sample + i, four);
         }
         form_cubics<numbers>(sample, sample + 1, sample + 2, sample + 3, cubic_count, cubic);
-        for (size_t c = 0; c < whole(count); c += 4) {
+        for (size_t c = 0; c < whole<Lanes>(count); c += 4) {
             numbers q1, b1, b2, b3, t, half_t, value;
             load_at(q1, sample + 1, first + c);
             load_at(b1, cubic.b1, first + c);
@@ -165,7 +177,7 @@ struct picked_columns {
             evaluate_cubic(q1, b1, b2, b3, t, half_t, value);
             store(out + c, value);
         }
-        for (size_t c = 0; c < whole(count); c += 4) {
+        for (size_t c = 0; c < whole<Lanes>(count); c += 4) {
             vec<4> rounded;
             load_converted(rounded, out + c);
             store_converted(out + c, rounded);

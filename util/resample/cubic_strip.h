@@ -9,6 +9,7 @@
 #include <type_traits>
 
 #include "util/resample/cubic_columns.h"
+#include "util/simd/doubles.h"
 #include "util/simd/scalars.h"
 #include "util/simd/vectors.h"
 
@@ -16,7 +17,7 @@ namespace qz {
 
 struct nothing {};
 
-// Work space of one strip. Columns beyond the last one in use, up to a whole block, are computed and never stored.
+// Work space of one strip. Columns beyond the last one in use, up to a whole vector, are computed and never stored.
 template <typename Real>
 struct cubic_strip {
     using columns_type = std::conditional_t<one_by_one<Real>, picked_columns<Real>, gathered_columns<Real>>;
@@ -42,7 +43,8 @@ QZ_ALWAYS_INLINE void enter_band(cubic_strip<Real> &strip, const float *buffer, 
             strip.held[row % 4] = row;
         }
     form_cubics<reals<Real, Lanes>>(strip.rows[first % 4], strip.rows[(first + 1) % 4], strip.rows[(first + 2) % 4],
-                                    strip.rows[(first + 3) % 4], strip.across.whole(strip.columns), strip.band);
+                                    strip.rows[(first + 3) % 4], strip.across.template whole<Lanes>(strip.columns),
+                                    strip.band);
 }
 
 // Values of a destination row at its place t in the band.
@@ -61,7 +63,7 @@ QZ_ALWAYS_INLINE void evaluate_at(const cubic_strip<Real> &strip, const Real *ro
 template <typename Real>
 QZ_ALWAYS_INLINE void evaluate_row(cubic_strip<Real> &strip, const Real *row, Real t)
 {
-    for (size_t c = 0; c < strip.across.whole(strip.columns); c += 4) {
+    for (size_t c = 0; c < strip.across.template whole<4>(strip.columns); c += 4) {
         scalars<Real, 4> values;
         evaluate_at(strip, row, c, t, values);
         store(strip.evaluated + c, values);
@@ -76,12 +78,13 @@ QZ_ALWAYS_INLINE void evaluate(const cubic_strip<Real> &strip, const Real *row, 
     if constexpr (one_by_one<Real>) {
         load_converted(values, strip.evaluated + c);
     } else if constexpr (std::is_same_v<Real, double>) {
-        using half = vec_of<float, Lanes / 2>;
         numbers low, high;
         evaluate_at(strip, row, c, t, low);
         evaluate_at(strip, row, c + Lanes / 2, t, high);
-        join(values, __builtin_convertvector(low, half), __builtin_convertvector(high, half),
-             std::make_integer_sequence<int, Lanes>());
+        vec_of<float, Lanes / 2> rounded[2];
+        convert<Lanes / 2>(rounded[0], low);
+        convert<Lanes / 2>(rounded[1], high);
+        join(values, rounded[0], rounded[1], std::make_integer_sequence<int, Lanes>());
     } else {
         evaluate_at(strip, row, c, t, values);
     }
@@ -100,7 +103,7 @@ QZ_ALWAYS_INLINE void resample_strip(cubic_strip<Real> &strip, const float *buff
 {
     constexpr size_t step = size_t{2} * Lanes;
     strip.columns = std::min(size.columns - first_column, cubic_strip<Real>::width);
-    strip.across.place(across, first_column, strip.columns);
+    strip.across.template place<Lanes>(across, first_column, strip.columns);
     std::fill_n(strip.held, 4, strip.no_row);
 
     uint32_t band = strip.no_row;

@@ -9,14 +9,9 @@
 
 #include "util/simd/vectors.h"
 
-// One compiler lets a function that becomes part of a wide version call what only that version has. It warns of vectors
-// that are handed on by value, which these calls are not.
-#if defined(__GNUC__) && !defined(__clang__) && (QZ_WIDER_VECTORS || QZ_TARGET_VECTOR_BITS > 128)
-#define QZ_WIDE_INSTRUCTIONS 1
+#if QZ_WIDE_INSTRUCTIONS
 #pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wpsabi"
-#else
-#define QZ_WIDE_INSTRUCTIONS 0
+#pragma GCC diagnostic ignored "-Wpsabi" // of vectors that are handed on by value, which these calls are not
 #endif
 
 namespace qz {

@@ -10,6 +10,13 @@
 
 #include "util/simd/dispatch.h"
 
+// One compiler lets a function that becomes part of a wide version call what only that version has.
+#if defined(__GNUC__) && !defined(__clang__) && (QZ_WIDER_VECTORS || QZ_TARGET_VECTOR_BITS > 128)
+#define QZ_WIDE_INSTRUCTIONS 1
+#else
+#define QZ_WIDE_INSTRUCTIONS 0
+#endif
+
 namespace qz {
 
 template <typename T, int Lanes>
