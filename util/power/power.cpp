@@ -227,16 +227,16 @@ struct separate_estimates {
     template <size_t Count>
     QZ_ALWAYS_INLINE static void add_series(const double (&coefficients)[Count], const numbers &x, numbers &sum)
     {
-        constexpr int steps = (Count - 1) / 3;
+        constexpr size_t steps = (Count - 1) / 3;
         static_assert(3 * steps == Count - 1);
         for (double &number : sum.number)
             number = coefficients[Count - 1];
 #ifndef __clang__
 #pragma GCC unroll 1
 #endif
-        for (const double *next = coefficients + Count - 1; next != coefficients; next -= steps)
-            for (int i = 1; i <= steps; ++i)
-                sum = sum * x + next[-i];
+        for (const double *next = coefficients + Count - 1; next != coefficients;)
+            for (size_t i = 0; i < steps; ++i)
+                sum = sum * x + *--next;
     }
 };
 
