@@ -183,8 +183,9 @@ struct placed_columns {
 
     QZ_ALWAYS_INLINE void add_row(qz::vec<Lanes> *sums, const float *row, float weight) const
     {
-        for (size_t g = 0; g < groups; ++g)
-            add_samples<Lanes>(sums[g], row, weight, src_width, group[g]);
+        const uint32_t width = src_width;
+        for (const column_group<Lanes> &columns : std::span(group, groups))
+            add_samples<Lanes>(*sums++, row, weight, width, columns);
     }
 };
 
