@@ -2,12 +2,14 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
+#include <new>
 #include <string>
 
 #include "desk/base/error.h"
 #include "tools/base/exit_codes.h"
-#include "tools/base/files.h"
+#include "tools/base/output_file.h"
 #include "tools/command_line.h"
 
 namespace {
@@ -20,11 +22,28 @@ void print_error(std::string message)
     std::fprintf(stderr, "qz-isp: %s\n", message.c_str());
 }
 
+// No exception: its way up, and what it is told with, take memory too.
+[[noreturn]] void run_out_of_memory()
+{
+    qz::tool::remove_unfinished_file();
+    std::fputs("qz-isp: out of memory\n", stderr);
+    std::_Exit(qz::tool::exit_failure);
+}
+
+// Before what is constructed ahead of main() allocates.
+[[gnu::constructor(101)]] void expect_to_run_out_of_memory()
+{
+    std::set_new_handler(run_out_of_memory);
+}
+
+
+
 } // namespace
 
 int main(int argc, char **argv)
 {
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN)); // writing fails instead
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
     int code = qz::tool::exit_failure;
     try {
         return qz::tool::run_command_line(argc, argv);

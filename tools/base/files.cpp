@@ -43,43 +43,4 @@ byte_buffer read_file(const std::string &file)
     return bytes;
 }
 
-output_file::output_file(const std::string &file)
-    : name_(file == "-" ? "standard output" : file), handle_(file == "-" ? stdout : std::fopen(file.c_str(), "wb"))
-{
-    if (!handle_)
-        fail("cannot be opened");
-}
-
-void output_file::write(byte_view bytes)
-{
-    if (std::fwrite(bytes.data(), 1, bytes.size(), handle_.get()) != bytes.size())
-        fail("cannot be written");
-}
-
-void output_file::finish()
-{
-    if (std::fflush(handle_.get()) != 0)
-        fail("cannot be written");
-}
-
-void output_file::fail(const char *what) const
-{
-    const int number = errno;
-    if (number == EPIPE)
-        throw closed_pipe();
-    desk::fail({name_, "", fmt::format("{}: {}", what, std::strerror(number)), ""});
-}
-
-void write_file(const std::string &file, byte_view bytes)
-{
-    output_file output(file);
-    output.write(bytes);
-    output.finish();
-}
-
-void write_text(const std::string &file, std::string_view text)
-{
-    write_file(file, {reinterpret_cast<const uint8_t *>(text.data()), text.size()});
-}
-
 } // namespace qz::tool

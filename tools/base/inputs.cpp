@@ -37,6 +37,16 @@ byte_buffer load_container(const input_files &files)
     return usable_container(input_name(*files.tuning), read_file(*files.tuning));
 }
 
+std::vector<std::string> source_files(const input_files &files)
+{
+    std::vector<std::string> sources;
+    for (const std::optional<std::string> &file : {files.tuning, files.scene}) {
+        if (file)
+            sources.push_back(*file);
+    }
+    return sources;
+}
+
 std::string tuning_name(const input_files &files)
 {
     return files.tuning ? input_name(*files.tuning) : sample_name;

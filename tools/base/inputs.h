@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "desk/base/bytes.h"
 #include "desk/scene/scene.h"
@@ -21,6 +22,9 @@ void expect_one_standard_input(const input_files &files);
 
 desk::scene load_scene(const input_files &files);
 desk::byte_buffer load_container(const input_files &files);
+
+// The files that are read, for output_file.
+std::vector<std::string> source_files(const input_files &files);
 
 // What messages call the tuning and the scene.
 std::string tuning_name(const input_files &files);

@@ -6,6 +6,7 @@
 #include "desk/diff/differences.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/files.h"
+#include "tools/base/output_file.h"
 
 namespace qz::tool {
 

@@ -5,6 +5,7 @@
 #include "desk/makernote/to_json.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/files.h"
+#include "tools/base/output_file.h"
 #include "tools/text/lines.h"
 
 namespace qz::tool {

@@ -3,6 +3,7 @@
 #include "desk/record/dump.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/files.h"
+#include "tools/base/output_file.h"
 #include "tools/text/record_text.h"
 
 namespace qz::tool {

@@ -4,7 +4,7 @@
 
 #include "desk/report/data.h"
 #include "tools/base/exit_codes.h"
-#include "tools/base/files.h"
+#include "tools/base/output_file.h"
 #include "tools/base/report_page.h"
 
 namespace qz::tool {
@@ -19,7 +19,7 @@ int report(const report_options &options)
     const std::string tuning = tuning_name(options.inputs);
     json data = {{"tuning", tuning}, {"scene", scene_name(options.inputs)}};
     data.update(report_data(scene, load_container(options.inputs), tuning, chosen));
-    write_text(options.page, filled(built_in_page, data));
+    write_text(options.page, filled(built_in_page, data), source_files(options.inputs));
     return exit_success;
 }
 

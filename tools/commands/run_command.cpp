@@ -4,7 +4,7 @@
 #include "desk/record/dump.h"
 #include "desk/run/session.h"
 #include "tools/base/exit_codes.h"
-#include "tools/base/files.h"
+#include "tools/base/output_file.h"
 #include "tools/text/record_text.h"
 
 namespace qz::tool {
@@ -37,9 +37,9 @@ int run(const run_options &options)
     isp_session session(load_container(options.inputs), tuning_name(options.inputs), scene, makernote.get());
     const std::vector<computed_frame> frames = compute_frames(session, scene, chosen, options.explain);
     if (options.makernote)
-        write_file(*options.makernote, save_makernote(makernote.get()));
+        write_file(*options.makernote, save_makernote(makernote.get()), source_files(options.inputs));
     else if (options.raw)
-        write_file(*options.raw, dump_of(frames));
+        write_file(*options.raw, dump_of(frames), source_files(options.inputs));
     else
         write_text("-", options.as_json ? frames_json(frames) : frames_text(frames, options.all));
     return exit_success;

@@ -7,7 +7,7 @@
 
 #include "desk/sweep/plan.h"
 #include "tools/base/exit_codes.h"
-#include "tools/base/files.h"
+#include "tools/base/output_file.h"
 #include "tools/base/progress.h"
 
 namespace qz::tool {
@@ -22,7 +22,7 @@ constexpr size_t chunk_size = 65536;
 class row_writer {
   public:
     row_writer(const sweep_options &options, const sweep_plan &plan)
-        : plan_(plan), json_(options.format == "jsonl"), output_(options.output)
+        : plan_(plan), json_(options.format == "jsonl"), output_(options.output, source_files(options.inputs))
     {
         for (const sweep_range &range : plan.ranges())
             add_name(range.name);

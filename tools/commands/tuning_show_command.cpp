@@ -7,6 +7,7 @@
 #include "desk/tuning/to_json.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/files.h"
+#include "tools/base/output_file.h"
 #include "tools/text/tuning_text.h"
 
 namespace qz::tool {
