@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cfloat>
 #include <charconv>
+#include <cmath>
 #include <nlohmann/json.hpp>
 
 #include <fmt/format.h>
@@ -10,6 +11,7 @@
 
 #include "desk/base/error.h"
 #include "desk/base/json_parse.h"
+#include "desk/base/one_of.h"
 
 namespace qz::desk {
 
@@ -76,7 +78,7 @@ void json_node::expect_names(const std::vector<std::string_view> &names) const
         fail_type("an object");
     for (const auto &member : value_->items()) {
         if (member.key() != "comment" && std::ranges::find(names, member.key()) == names.end())
-            fail(fmt::format("the name \"{}\"", member.key()), fmt::format("one of {}", fmt::join(names, ", ")));
+            fail(fmt::format("the name \"{}\"", member.key()), one_of(names, member.key()));
     }
 }
 
@@ -118,8 +120,13 @@ std::vector<json_node> json_node::items(size_t count) const
 
 int64_t json_node::integer(int64_t low, int64_t high) const
 {
-    const bool fits = value_->is_number_unsigned() ? value_->get<uint64_t>() <= static_cast<uint64_t>(INT64_MAX)
-                                                   : value_->is_number_integer();
+    bool fits = value_->is_number_integer();
+    if (value_->is_number_unsigned()) {
+        fits = value_->get<uint64_t>() <= static_cast<uint64_t>(INT64_MAX);
+    } else if (value_->is_number_float()) { // 1.0 or 1e2, as other programs write them
+        const auto value = value_->get<double>();
+        fits = std::abs(value) < 0x1p63 && value == std::trunc(value);
+    }
     if (!fits || value_->get<int64_t>() < low || value_->get<int64_t>() > high)
         fail_type(fmt::format("an integer from {} to {}", low, high));
     return value_->get<int64_t>();

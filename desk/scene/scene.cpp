@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "desk/base/json_fields.h"
+#include "desk/base/one_of.h"
 #include "desk/scene/frame_fields.h"
 
 namespace qz::desk {
@@ -19,7 +20,7 @@ uint32_t read_effects(const json_node &node)
     for (const json_node &item : node.items()) {
         const std::optional<uint32_t> bit = effect_bit(item.text());
         if (!bit)
-            item.fail(fmt::format("\"{}\"", item.text()), fmt::format("one of {}", fmt::join(effect_names, ", ")));
+            item.fail(fmt::format("\"{}\"", item.text()), one_of(effect_names, item.text()));
         effects |= *bit;
     }
     return effects;

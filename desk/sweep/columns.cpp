@@ -6,6 +6,7 @@
 #include <fmt/ranges.h>
 
 #include "desk/base/error.h"
+#include "desk/base/one_of.h"
 #include "qz_isp/checksum.h"
 
 namespace qz::desk {
@@ -59,13 +60,16 @@ class column_list {
     static const block_layout &find_block(std::string_view item, std::string_view name)
     {
         std::vector<std::string> known;
+        std::vector<std::string_view> names;
         for (const block_layout &block : record_blocks()) {
             if (name == block.name || name == fmt::format("block{}", block.id))
                 return block;
             known.push_back(fmt::format("block{} ({})", block.id, block.name));
+            names.push_back(block.name);
         }
         fail_item(item, fmt::format("the block \"{}\"", name),
-                  fmt::format("{}, or a field of one of {}", whole_column_names(), fmt::join(known, ", ")));
+                  fmt::format("{}, or a field of one of {}{}", whole_column_names(), fmt::join(known, ", "),
+                              did_you_mean(name, names)));
     }
 
     void add_fields(std::string_view item, std::string_view block_name, const block_layout &block,
@@ -82,7 +86,8 @@ class column_list {
             for (const field &described : block.fields)
                 known.push_back(element_names(described));
             fail_item(item, fmt::format("the field \"{}\"", field_name),
-                      fmt::format("* or one of {} in block {}", fmt::join(known, ", "), block.name));
+                      fmt::format("* or one of {} in block {}{}", fmt::join(known, ", "), block.name,
+                                  did_you_mean(field_name, field_names(block.fields))));
         }
         add_part(item, block_name, block, *part);
         // A single value keeps the name that it was asked for by.

@@ -11,6 +11,7 @@
 
 #include "desk/base/error.h"
 #include "desk/base/numbers.h"
+#include "desk/base/one_of.h"
 #include "desk/scene/frame_fields.h"
 
 namespace qz::desk {
@@ -67,7 +68,7 @@ bool is_used(const field &described)
     return !described.name.starts_with("unused");
 }
 
-std::string known_names()
+std::string known_names(std::string_view found)
 {
     std::vector<std::string> names = {"gain", "effects", "lsc.enable"};
     for (const input_group &group : input_groups()) {
@@ -77,7 +78,8 @@ std::string known_names()
                 names.push_back(element_names(described, prefix));
         }
     }
-    return fmt::format("one of {}", fmt::join(names, ", "));
+    const std::vector<std::string_view> views(names.begin(), names.end());
+    return one_of(views, found);
 }
 
 std::pair<element, void *> find_input(const range_option &option, std::string_view name, frame_inputs &inputs)
@@ -99,7 +101,7 @@ std::pair<element, void *> find_input(const range_option &option, std::string_vi
         if (part && part->count == 1 && is_used(*part->described))
             return {part->described->type, element_at(*part->described, group.record(inputs), part->first)};
     }
-    option.fail(fmt::format("the name \"{}\"", name), known_names());
+    option.fail(fmt::format("the name \"{}\"", name), known_names(name));
 }
 
 // Effects joined with "+", as a flag word.

@@ -1,13 +1,14 @@
 #include "desk/tuning/pack.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include "desk/base/error.h"
 #include "desk/base/json_fields.h"
+#include "desk/base/one_of.h"
 #include "desk/tuning/container.h"
 #include "desk/tuning/source_names.h"
 
@@ -139,7 +140,7 @@ uint16_t read_named(const json_node &node, std::span<const std::string_view> nam
         return static_cast<uint16_t>(node.integer(0, UINT16_MAX));
     const auto found = std::ranges::find(names, node.text());
     if (found == names.end())
-        node.fail(fmt::format("\"{}\"", node.text()), fmt::format("one of {}", fmt::join(names, " ")));
+        node.fail(fmt::format("\"{}\"", node.text()), one_of(names, node.text()));
     return static_cast<uint16_t>(found - names.begin() + 1);
 }
 
@@ -174,8 +175,11 @@ uint16_t slot_id(const json_node &node)
         return rules_id;
     const auto kinds = record_kinds();
     const auto kind = std::ranges::find(kinds, std::string_view(name), &record_kind::name);
-    if (kind == kinds.end())
-        slot.fail(fmt::format("\"{}\"", name), "the name of a slot, or \"rules\"");
+    if (kind == kinds.end()) {
+        std::vector<std::string_view> names = {"rules"};
+        std::ranges::transform(kinds, std::back_inserter(names), &record_kind::name);
+        slot.fail(fmt::format("\"{}\"", name), one_of(names, name));
+    }
 
     const json_node family = node.at("family");
     const json_node set = node.at("set");
