@@ -4,24 +4,26 @@
 
 #include "desk/base/error.h"
 #include "desk/scene/frame_choice.h"
+#include "desk/scene/settings.h"
 
 namespace qz::desk {
 
 namespace {
 
-frame_inputs &chosen_frame(scene &scene, const std::optional<std::string> &choice)
+frame_inputs &chosen_frame(scene &scene, const sweep_choice &choice)
 {
-    const auto [first, last] = choose_frames(scene, choice);
-    if (last - first != 1)
-        fail({std::nullopt, "frame", fmt::format("{} frames", last - first), "one for a sweep"});
-    return scene.frames[first];
+    const frame_choice chosen = choose_frames(scene, choice.frame);
+    if (chosen.last - chosen.first != 1)
+        fail({std::nullopt, "frame", fmt::format("{} frames", chosen.last - chosen.first), "one for a sweep"});
+    apply_settings(choice.settings, scene, chosen);
+    return scene.frames[chosen.first];
 }
 
 } // namespace
 
 sweep_plan::sweep_plan(const sweep_choice &choice, scene &scene)
-    : inputs_(chosen_frame(scene, choice.frame)), ranges_(choice.over, inputs_),
-      columns_(choose_columns(choice.fields)), rows_(shard_rows(choice.shard, ranges_.rows()))
+    : inputs_(chosen_frame(scene, choice)), ranges_(choice.over, inputs_), columns_(choose_columns(choice.fields)),
+      rows_(shard_rows(choice.shard, ranges_.rows()))
 {}
 
 record_snapshot sweep_plan::compute(uint64_t row, isp_session &session) const

@@ -16,6 +16,7 @@ struct sweep_choice {
     std::vector<std::string> over;     // see sweep_ranges
     std::optional<std::string> fields; // see choose_columns()
     std::optional<std::string> frame;  // one to start from; the last
+    std::vector<std::string> settings; // of that frame, see apply_settings()
     std::optional<std::string> shard;  // see shard_rows()
 };
 

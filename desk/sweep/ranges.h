@@ -3,22 +3,20 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "desk/base/fields.h"
+#include "desk/scene/named_input.h"
 #include "desk/scene/scene.h"
 
 namespace qz::desk {
 
 struct sweep_range {
-    std::string name;
-    element type;             // of the input
-    void *input;              // in the frame's inputs
+    named_input input;
     std::vector<double> list; // the values; where there are none: count values from first on
     double first;
-    double step;
     double last;
+    double stride; // what is added, or multiplied by; taken away, or divided by, where the last value is the lower one
+    bool multiplies;
     uint64_t count;
 
     double value(uint64_t place) const;
@@ -26,8 +24,8 @@ struct sweep_range {
 
 class sweep_ranges {
   public:
-    // options: "NAME=FIRST..LAST:STEP" or "NAME=VALUE,VALUE". The inputs are set in place and must stay where they are.
-    // Fails at others.
+    // options: "NAME=FIRST..LAST:STEP", "NAME=FIRST..LAST*FACTOR" or "NAME=VALUE,VALUE". The inputs are set in place
+    // and must stay where they are. Fails at others.
     sweep_ranges(const std::vector<std::string> &options, frame_inputs &inputs);
 
     uint64_t rows() const { return rows_; }
