@@ -91,6 +91,7 @@ TEST(scene, errors_name_the_field_what_was_found_and_what_was_expected)
         {R"({"frames": [{}, {"colour": {"ccm": [1, {"x": 1, "x": 1}]}}]})",
          "s.json: frames[1].colour.ccm[1]: found the name \"x\" twice"},
         {R"({"frames": [1e400]})", "s.json: line 1, column 17: found 1e400, expected a number within double precision"},
+        {R"({"frames": [{"hue": 1e2}, {"hue": 1.5}]})", "s.json: frames[1].hue: found 1.5, expected an integer"},
         {R"({"frames": [{"hue": 128}]})", "s.json: frames[0].hue: found 128, expected an integer from -128 to 127"},
         {R"({"frames": [{}, {"nr_mode": "on"}]})",
          "s.json: frames[1].nr_mode: found \"on\", expected an integer from 0 to 4294967295"},
@@ -124,16 +125,19 @@ TEST(scene, errors_name_the_field_what_was_found_and_what_was_expected)
 
 TEST(frame_choice, is_a_name_a_number_or_all)
 {
-    const scene read = read_scene("s.json", R"({"frames": [{"name": "a"}, {"name": "0"}, {"name": "a"}, {}]})");
+    const scene read =
+        read_scene("s.json", R"({"frames": [{"name": "a"}, {"name": "0"}, {"name": "b"}, {"name": "b"}]})");
     const std::tuple<std::optional<std::string>, size_t, size_t> cases[] = {
-        {std::nullopt, 3, 4}, {"all", 0, 4}, {"a", 0, 1}, {"0", 1, 2}, {"1", 1, 2}, {"3", 3, 4}};
+        {std::nullopt, 3, 4}, {"all", 0, 4}, {"a", 0, 1}, {"0", 0, 1}, {"1", 1, 2}, {"3", 3, 4}};
     for (const auto &[choice, first, last] : cases) {
         EXPECT_EQ(choose_frames(read, choice).first, first) << choice.value_or("none");
         EXPECT_EQ(choose_frames(read, choice).last, last) << choice.value_or("none");
     }
-    for (const char *wrong : {"4", "", "-1", "1x", "b", "99999999999999999999999"})
+    for (const char *wrong : {"4", "", "-1", "1x", "c", "99999999999999999999999"})
         EXPECT_EQ(error_of([&] { choose_frames(read, wrong); }),
                   "frame: found \"" + std::string(wrong) + "\", expected 0 to 3, a frame's name, or all");
+    EXPECT_EQ(error_of([&] { choose_frames(read, "b"); }),
+              "frame: found \"b\", which 2 frames are called, expected a number");
 }
 
 } // namespace

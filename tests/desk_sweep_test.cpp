@@ -27,6 +27,10 @@ TEST(sweep_ranges, values_include_the_ends_that_steps_reach)
     const std::pair<const char *, std::vector<double>> cases[] = {
         {"sharpness=-128..127:100", {-128, -28, 72}},
         {"sharpness=126..127", {126, 127}},
+        {"sharpness=5..-6:5", {5, 0, -5}},
+        {"gain=1..17*2", {1, 2, 4, 8, 16}},
+        {"gain=16..0.9*4", {16, 4, 1}},
+        {"gain=1..1.331*1.1", {1, 1.1, 1.1 * 1.1, 1.331}}, // the last is 1.3310000000000004
         {"nr_mode=0..4294967294:4294967295", {0}},
         {"exposure.digital_gain=4..4:0.5", {4}},
         {"colour.saturation=0..0.3:0.1", {0, 0.1, 0.2, 0.3}}, // 3 x 0.1 lies above 0.3
@@ -54,9 +58,11 @@ TEST(sweep_ranges, the_last_range_runs_fastest_and_missing_records_are_made)
 TEST(sweep_ranges, say_what_is_wrong_with_them)
 {
     const std::pair<std::vector<std::string>, const char *> cases[] = {
-        {{"gain"}, "over gain: found no \"=\", expected NAME=FIRST..LAST:STEP or NAME=VALUE,VALUE"},
+        {{"gain"},
+         "over gain: found no \"=\", expected NAME=FIRST..LAST:STEP, NAME=FIRST..LAST*FACTOR or NAME=VALUE,VALUE"},
         {{"gian=1"}, "found the name \"gian\", expected one of gain, effects, "},
         {{"gian=1"}, ", colour.ccm[0] to colour.ccm[8], "},
+        {{"gian=1"}, "; did you mean gain?"},
         {{"colour.ccm=1"}, "found the name \"colour.ccm\""},
         {{"colour.ccm[9]=1"}, "found the name \"colour.ccm[9]\""},
         {{"exposure.unused=1"}, "found the name \"exposure.unused\""},
@@ -69,7 +75,9 @@ TEST(sweep_ranges, say_what_is_wrong_with_them)
         {{"gain=1e39"}, "found \"1e39\""},
         {{"gain=1..2:0"}, "found \"0\", expected a step above 0"},
         {{"gain=1..2:-1"}, "found \"-1\", expected a step above 0"},
-        {{"gain=2..1"}, "found 2 before 1, expected the lower end first"},
+        {{"gain=1..2*1"}, "found \"1\", expected a factor above 1"},
+        {{"nr_mode=1..2*1.5"}, "found \"1.5\", expected a whole factor above 1"},
+        {{"gain=0..2*2"}, "found 0 and 2, expected ends above 0 for a factor"},
         {{"gain=0..1:1e-12"}, "values, expected at most 4294967296"},
         {{"nr_mode=1,2,1"}, "found 1 twice, expected every value once"},
         {{"effects=warm_grey+"}, "found \"warm_grey+\", expected a flag word, or names joined with + of macc_1, "},
@@ -137,6 +145,7 @@ TEST(sweep_plan, rows_are_what_a_context_of_their_own_gives)
     const sweep_plan plan({{"nr_mode=0,1", "gain=1..2.5:1.5", "lsc.enable=0"},
                            "block5.param[0],xnr.param,bytes_used,checksum,block28.columns,gamma_0.table256",
                            {},
+                           {"edge_mode=1", "lsc.enable=1"},
                            "2/2"},
                           setup);
     isp_session session(container, "t", setup);
@@ -146,6 +155,7 @@ TEST(sweep_plan, rows_are_what_a_context_of_their_own_gives)
     for (const uint64_t row : {0u, 2u, 3u, 1u}) {
         const record_snapshot snapshot = plan.compute(row, session);
         EXPECT_EQ(setup.frames[1].controls.nr_mode, row / 2);
+        EXPECT_TRUE(setup.frames[1].controls.edge_mode == 1 && setup.frames[1].lsc->enable == 0);
         const record_snapshot alone = isp_session(container, "t", setup).run(setup.frames[1]);
         EXPECT_EQ(std::memcmp(&snapshot.record, &alone.record, sizeof alone.record), 0) << row;
         uint32_t sum = 0;
@@ -157,7 +167,7 @@ TEST(sweep_plan, rows_are_what_a_context_of_their_own_gives)
             EXPECT_EQ(column_value(plan.columns()[i], snapshot), values[i]) << row << " " << i;
     }
     EXPECT_EQ(error_of([&] {
-                  sweep_plan({{"gain=1"}, {}, "all", {}}, setup);
+                  sweep_plan({{"gain=1"}, {}, "all", {}, {}}, setup);
               }),
               "frame: found 2 frames, expected one for a sweep");
 }

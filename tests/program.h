@@ -11,6 +11,7 @@
 
 #include "desk_suite.h"
 #include "tools/base/files.h"
+#include "tools/base/output_file.h"
 
 struct result {
     int code;

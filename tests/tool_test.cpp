@@ -76,15 +76,21 @@ TEST_F(program, reports_errors_with_exit_codes)
     write("family.json", R"({"records": [{"slot": "xnr", "family": 768, "set": 0, "rows": []}]})");
     write("nested.json", R"({"records": [{"set_index": 1, "records": [{"slot": "zoom"}]}]})");
     const std::tuple<const char *, int, const char *> cases[] = {
-        {"", 2, "subcommand is required"},
-        {"run --verbose", 2, "--verbose"},
+        {"", 2, "\n  run "},
+        {"rnu", 2, "qz-isp: found rnu, expected one of run, get, report, "},
+        {"run --fame 0", 2, "qz-isp: run: found --fame, expected one of --help, "},
+        {"sweep --ovr gain=1", 2, "; did you mean --over?"},
+        {"help tuning sho", 2, "qz-isp: tuning: found sho, expected one of pack, show; did you mean show?"},
+        {"run --set hue=128", 2, "qz-isp: --set hue=128: found \"128\", expected an integer from -128 to 127"},
+        {"get hue", 2, "qz-isp: --fields \"hue\": found the block \"hue\""},
+        {"get block1.shift --frame all", 2, "--frame: found 4 frames, expected one"},
         {"run --json --all", 2, "excludes"},
         {"run --raw x --json", 2, "excludes"},
         {"run --frame 4", 2, "--frame: found \"4\", expected 0 to 3, a frame's name, or all"},
         {"run --tuning - --scene - < short", 2, "found standard input for both"},
         {"run --tuning ''", 1, "qz-isp: : cannot be opened"},
         {"run --frame ''", 2, "--frame: found \"\""},
-        {"tuning", 2, "subcommand is required"},
+        {"tuning", 2, "qz-isp: tuning: found no command, expected one of pack, show"},
         {"tuning pack rows.json", 2, "OUT is required"},
         {"run --tuning absent", 1, "qz-isp: absent: cannot be opened: No such file"},
         {"tuning show short", 1, "qz-isp: short: found 4 bytes, expected a container of at least 24 bytes"},
@@ -95,7 +101,7 @@ TEST_F(program, reports_errors_with_exit_codes)
          "rows.json: records[0].rows[0][1]: found 70000, expected an integer from 0 to 65535"},
         {"tuning pack name.json x", 1, "name.json: records[0]: found the name \"row\", expected one of "},
         {"tuning pack family.json x", 1, "records[0].family: found 768, expected a family that has the slot xnr"},
-        {"tuning pack nested.json x", 1, "records[0].records[0].slot: found \"zoom\", expected the name of a slot"},
+        {"tuning pack nested.json x", 1, "records[0].records[0].slot: found \"zoom\", expected one of rules, rec_1, "},
         {"tuning pack - x < other", 1, "qz-isp: standard input: line 1, column 1: syntax error"},
         {"run --raw /dev/full", 1, "qz-isp: /dev/full: cannot be written: No space left"},
         {"run --scene .", 1, "qz-isp: .: cannot be read: Is a directory"},
@@ -196,10 +202,40 @@ TEST_F(program, sweep_writes_shards_that_are_the_whole)
     EXPECT_FALSE(contains(text_of("errors"), "qz-isp:"));
 }
 
+TEST_F(program, leaves_files_as_they_were_when_it_fails)
+{
+    namespace fs = std::filesystem;
+    write("tuning.json", R"({"records": []})");
+    fs::create_symlink("tuning.json", path("link"));
+    const result same = run("tuning pack tuning.json link");
+    EXPECT_EQ(same.code, 1);
+    EXPECT_EQ(same.err, "qz-isp: link: found a file that is read, tuning.json, expected another one to write\n");
+    EXPECT_EQ(text_of("tuning.json"), R"({"records": []})");
+
+    write("record", "before");
+    fs::permissions(path("record"), fs::perms::owner_read | fs::perms::owner_write);
+    const result cut = run("run --raw record", "ulimit -f 8;");
+    EXPECT_EQ(cut.code, 1);
+    EXPECT_EQ(cut.err, "qz-isp: record: cannot be written: File too large\n");
+    EXPECT_EQ(text_of("record"), "before");
+    EXPECT_EQ(run("run --raw record").err, "");
+    EXPECT_EQ(text_of("record").size(), 9472u);
+    EXPECT_EQ(fs::status(path("record")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(std::distance(fs::directory_iterator(path("")), {}), 5) << "tuning.json, link, record, out and err";
+}
+
+TEST_F(program, shows_the_library_s_version_when_asked)
+{
+    EXPECT_EQ(run("run").err, "");
+    EXPECT_TRUE(contains(run("run -v").err, "qz[1] QZ ISP 2.7 VERSION "));
+    EXPECT_EQ(run("--version").out, "qz-isp 2.7.0\n");
+    EXPECT_EQ(run("help tuning pack").out, run("tuning pack --help").out);
+}
+
 TEST_F(program, every_help_has_an_example)
 {
-    for (const char *arguments :
-         {"--help", "run --help", "report --help", "tuning --help", "tuning pack --help", "tuning show --help"}) {
+    for (const char *arguments : {"--help", "run --help", "get --help", "report --help", "sample --help",
+                                  "tuning --help", "tuning pack --help", "tuning show --help"}) {
         const result made = run(arguments);
         EXPECT_EQ(made.code, 0) << arguments;
         EXPECT_TRUE(contains(made.out, "Example:")) << arguments;

@@ -1,16 +1,24 @@
 #include "tools/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
 #include <functional>
+#include <sstream>
 
 #include <fmt/format.h>
 
+#include "desk/base/one_of.h"
 #include "tools/base/exit_codes.h"
+#include "tools/base/log.h"
+#include "tools/base/output_file.h"
 #include "tools/commands/diff_command.h"
+#include "tools/commands/get_command.h"
 #include "tools/commands/makernote_show_command.h"
 #include "tools/commands/record_show_command.h"
 #include "tools/commands/report_command.h"
 #include "tools/commands/run_command.h"
+#include "tools/commands/sample_command.h"
 #include "tools/commands/sweep_command.h"
 #include "tools/commands/tuning_pack_command.h"
 #include "tools/commands/tuning_show_command.h"
@@ -35,11 +43,26 @@ void add_frame(CLI::App &command, std::optional<std::string> &frame,
     command.add_option("--frame", frame, description)->type_name("FRAME");
 }
 
+void add_settings(CLI::App &command, std::vector<std::string> &settings)
+{
+    command
+        .add_option("--set", settings, "Value for an input of the frame shown, by the names of sweep; may be repeated")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+}
+
 // Options live as long as the program; "chosen" runs the command once all of the line is read.
 template <typename Options>
 void on_choice(CLI::App &command, chosen_command &chosen, const std::shared_ptr<Options> &options,
                int (*run)(const Options &))
 {
+    CLI::Option *quiet = command.add_flag_callback(
+        "-q,--quiet", [] { show_log(log_shown::nothing); }, "Show nothing of the library's log");
+    command
+        .add_flag_callback(
+            "-v,--verbose", [] { show_log(log_shown::everything); },
+            "Show all of the library's log, its version too; else its errors")
+        ->excludes(quiet);
     command.callback([&chosen, options, run] { chosen = [options, run] { return run(*options); }; });
 }
 
@@ -49,6 +72,7 @@ void add_run(CLI::App &app, chosen_command &chosen)
     CLI::App *command = app.add_subcommand("run", "Compute the frames of a scene and print the record of the last one");
     add_inputs(*command, options->inputs);
     add_frame(*command, options->frame);
+    add_settings(*command, options->settings);
     CLI::Option *as_json = command->add_flag("--json", options->as_json, "Print everything as JSON");
     command->add_option("--raw", options->raw, "Write the record's bytes in use instead of printing")
         ->type_name("FILE")
@@ -75,6 +99,20 @@ void add_run(CLI::App &app, chosen_command &chosen)
     on_choice(*command, chosen, options, run);
 }
 
+void add_get(CLI::App &app, chosen_command &chosen)
+{
+    const auto options = std::make_shared<get_options>();
+    CLI::App *command = app.add_subcommand("get", "Print values of a frame's record by their names");
+    command->add_option("FIELDS", options->fields, "Names as of sweep --fields, with commas between")->required();
+    add_inputs(*command, options->inputs);
+    add_frame(*command, options->frame, "Frame to take, by number or name; else the last");
+    add_settings(*command, options->settings);
+    command->footer("One value is printed alone; of several, each has its name before it.\n\n"
+                    "Example: the noise reduction at a gain of 8\n"
+                    "  qz-isp get noise_reduction.param0 --set gain=8");
+    on_choice(*command, chosen, options, get);
+}
+
 void add_report(CLI::App &app, chosen_command &chosen)
 {
     const auto options = std::make_shared<report_options>();
@@ -82,6 +120,7 @@ void add_report(CLI::App &app, chosen_command &chosen)
     command->add_option("OUT", options->page, "HTML file to write, or -")->required();
     add_inputs(*command, options->inputs);
     add_frame(*command, options->frame);
+    add_settings(*command, options->settings);
     command->footer("Example: all frames of a scene, to choose from in the page\n"
                     "  qz-isp report night.html --tuning sensor.vuxb --scene night.json --frame all");
     on_choice(*command, chosen, options, report);
@@ -92,8 +131,9 @@ void add_sweep(CLI::App &app, chosen_command &chosen)
     const auto options = std::make_shared<sweep_options>();
     CLI::App *command = app.add_subcommand("sweep", "Compute a frame over ranges of its inputs, one row a frame");
     command
-        ->add_option("--over", options->choice.over,
-                     "NAME=FIRST..LAST:STEP or NAME=VALUE,VALUE; the last one given runs fastest")
+        ->add_option(
+            "--over", options->choice.over,
+            "NAME=FIRST..LAST:STEP, NAME=FIRST..LAST*FACTOR or NAME=VALUE,VALUE; the last one given runs fastest")
         ->type_name("RANGE")
         ->required()
         ->allow_extra_args(false);
@@ -103,6 +143,7 @@ void add_sweep(CLI::App &app, chosen_command &chosen)
         ->type_name("FIELD,...");
     add_inputs(*command, options->inputs);
     add_frame(*command, options->choice.frame, "Frame to start from, by number or name; else the last");
+    add_settings(*command, options->choice.settings);
     command->add_option("--format", options->format, "csv, or jsonl for JSON lines")
         ->type_name("FORMAT")
         ->check(CLI::IsMember({"csv", "jsonl"}));
@@ -114,6 +155,20 @@ void add_sweep(CLI::App &app, chosen_command &chosen)
         "Example: edge enhancement over gain and sharpness\n"
         "  qz-isp sweep --over gain=1..16:0.5 --over sharpness=-128..127:32 --fields 'block13.param0,block5.*'");
     on_choice(*command, chosen, options, sweep);
+}
+
+void add_sample(CLI::App &app, chosen_command &chosen)
+{
+    const auto options = std::make_shared<sample_options>();
+    CLI::App *command = app.add_subcommand("sample", "Write the built-in scene or tuning, to start from");
+    command->add_option("WHAT", options->what, "scene or tuning")
+        ->required()
+        ->check(CLI::IsMember({"scene", "tuning"}));
+    command->add_option("OUT", options->file, "JSON file to write; else standard output");
+    command->footer("Example: a scene of your own\n"
+                    "  qz-isp sample scene night.json\n"
+                    "  qz-isp run --scene night.json");
+    on_choice(*command, chosen, options, write_sample);
 }
 
 void add_tuning_pack(CLI::App &group, chosen_command &chosen)
@@ -129,8 +184,8 @@ void add_tuning_pack(CLI::App &group, chosen_command &chosen)
 void add_tuning_show(CLI::App &group, chosen_command &chosen)
 {
     const auto options = std::make_shared<tuning_show_options>();
-    CLI::App *command = group.add_subcommand("show", "List a container's records and what is wrong with them");
-    command->add_option("FILE", options->file, "Container, or -")->required();
+    CLI::App *command = group.add_subcommand("show", "List a tuning's records and what is wrong with them");
+    command->add_option("FILE", options->file, "Container, or its JSON source, or -")->required();
     command->add_flag("--json", options->as_json, "Print the JSON source that packs to the same bytes");
     command->footer("Exit code 1 when the library refuses the container.\n\n"
                     "Example:\n  qz-isp tuning show sensor.vuxb");
@@ -146,6 +201,24 @@ void add_tuning(CLI::App &app, chosen_command &chosen)
                   "  qz-isp tuning pack sensor.json sensor.vuxb");
     add_tuning_pack(*group, chosen);
     add_tuning_show(*group, chosen);
+}
+
+[[noreturn]] void fail_word(const CLI::App &command, std::string_view found, std::string_view expected)
+{
+    const std::string place = command.get_parent() == nullptr ? "" : command.get_name() + ": ";
+    throw usage_error(fmt::format("{}found {}, expected {}", place, found, expected));
+}
+
+// A command of a group by its name.
+const CLI::App *known_command(const CLI::App &group, const std::string &name)
+{
+    std::vector<std::string_view> names;
+    for (const CLI::App *command : group.get_subcommands({})) {
+        if (command->get_name() == name)
+            return command;
+        names.push_back(command->get_name());
+    }
+    fail_word(group, name.empty() ? "no command" : name, names.empty() ? "nothing more" : desk::one_of(names, name));
 }
 
 // A group with one command, "show", for dumps of one kind.
@@ -181,6 +254,53 @@ void add_diff(CLI::App &app, chosen_command &chosen)
     on_choice(*command, chosen, options, diff);
 }
 
+struct help_options {
+    std::vector<std::string> words; // of the command
+};
+
+// The text that --help prints for a command, or for all of them.
+int show_help(const CLI::App &app, const help_options &options)
+{
+    const CLI::App *command = &app;
+    std::string line;
+    for (const std::string &word : options.words) {
+        line += command->get_name() + " ";
+        command = known_command(*command, word);
+    }
+    write_text("-", app.get_formatter()->make_help(command, line + command->get_name(), CLI::AppFormatMode::Normal));
+    return exit_success;
+}
+
+void add_help(CLI::App &app, chosen_command &chosen)
+{
+    const auto options = std::make_shared<help_options>();
+    CLI::App *command = app.add_subcommand("help", "Show what --help shows of a command");
+    command->add_option("COMMAND", options->words, "The command's words; none: all commands");
+    command->callback([&, options] { chosen = [&, options] { return show_help(app, *options); }; });
+}
+
+// Says of a line that does not parse what is wrong with it. CLI11 looks for what is missing before what it does not
+// know.
+[[noreturn]] void fail_parse(const CLI::App &app, const CLI::ParseError &error)
+{
+    const CLI::App *command = &app;
+    while (!command->get_subcommands().empty())
+        command = command->get_subcommands().front();
+    const std::vector<std::string> unknown = app.remaining(true);
+    const auto option = std::ranges::find_if(unknown, [](const std::string &word) { return word.starts_with('-'); });
+    if (option != unknown.end()) {
+        std::vector<std::string> options;
+        for (const CLI::Option *known :
+             command->get_options([](const CLI::Option *each) { return each->nonpositional(); }))
+            options.push_back("--" + known->get_lnames().front());
+        const std::vector<std::string_view> names(options.begin(), options.end());
+        fail_word(*command, *option, desk::one_of(names, *option));
+    }
+    if (!command->get_subcommands({}).empty())
+        known_command(*command, unknown.empty() ? "" : unknown.front());
+    throw usage_error(fmt::format("{}\nRun with --help for more information.", error.what()));
+}
+
 } // namespace
 
 int run_command_line(int argc, char **argv)
@@ -189,15 +309,15 @@ int run_command_line(int argc, char **argv)
     app.require_subcommand(1);
     app.footer("Example: the record of a sample frame\n  qz-isp run\n\n"
                "Exit codes: 0 done, 1 a file or its contents are wrong, 2 wrong use of the command line.");
-    app.failure_message([](const CLI::App *, const CLI::Error &error) {
-        return fmt::format("qz-isp: {}\nRun with --help for more information.\n", error.what());
-    });
+    app.set_version_flag("--version", "qz-isp " QZ_ISP_VERSION);
 
     chosen_command chosen;
     add_run(app, chosen);
+    add_get(app, chosen);
     add_report(app, chosen);
     add_sweep(app, chosen);
     add_tuning(app, chosen);
+    add_sample(app, chosen);
     add_dump(app, chosen, "record", "hardware records, their bytes in use or whole", show_record,
              "Example: the records of all frames of the sample\n"
              "  qz-isp run --frame all --raw - | qz-isp record show -");
@@ -205,10 +325,20 @@ int run_command_line(int argc, char **argv)
              "Example: what the frames of the sample leave in the makernote\n"
              "  qz-isp run --makernote - | qz-isp makernote show -");
     add_diff(app, chosen);
+    add_help(app, chosen);
+    if (argc < 2) {
+        std::fputs(app.help().c_str(), stderr);
+        return exit_usage;
+    }
     try {
         app.parse(argc, argv);
+    } catch (const CLI::Success &asked) { // for help or the version
+        std::ostringstream text;
+        app.exit(asked, text, text);
+        write_text("-", text.str());
+        return exit_success;
     } catch (const CLI::ParseError &error) {
-        return app.exit(error) == 0 ? exit_success : exit_usage;
+        fail_parse(app, error);
     }
     return chosen();
 }

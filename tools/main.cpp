@@ -36,8 +36,6 @@ void print_error(std::string message)
     std::set_new_handler(run_out_of_memory);
 }
 
-
-
 } // namespace
 
 int main(int argc, char **argv)

@@ -5,31 +5,44 @@ _qz_isp()
     local words='' files=''
     case "${COMP_WORDS[1]} $COMP_CWORD" in
     *' 1')
-        words='run report sweep diff tuning record makernote'
+        words='run get report sweep diff tuning sample record makernote help --version'
         ;;
     'run '*)
         case $previous in
         --tuning | --scene | --raw | --makernote) files=yes ;;
         --frame) words=all ;;
-        *) words='--tuning --scene --frame --json --all --raw --explain --makernote' ;;
+        *) words='--tuning --scene --frame --set --json --all --raw --explain --makernote' ;;
+        esac
+        ;;
+    'get '*)
+        case $previous in
+        --tuning | --scene) files=yes ;;
+        --frame) ;;
+        *) words='--tuning --scene --frame --set' ;;
         esac
         ;;
     'report '*)
         case $previous in
         --tuning | --scene) files=yes ;;
         --frame) words=all ;;
-        *) words='--tuning --scene --frame' files=yes ;;
+        *) words='--tuning --scene --frame --set' files=yes ;;
         esac
         ;;
     'sweep '*)
         case $previous in
         --tuning | --scene | --output) files=yes ;;
         --format) words='csv jsonl' ;;
-        *) words='--over --fields --tuning --scene --frame --format --no-header --shard --output' ;;
+        *) words='--over --fields --tuning --scene --frame --set --format --no-header --shard --output' ;;
         esac
         ;;
     'tuning 2')
         words='pack show'
+        ;;
+    'sample '*)
+        [ "$COMP_CWORD" = 2 ] && words='scene tuning' || files=yes
+        ;;
+    'help '*)
+        words='run get report sweep diff tuning sample record makernote'
         ;;
     'record 2' | 'makernote 2')
         words=show
@@ -43,7 +56,7 @@ _qz_isp()
         [ "${COMP_WORDS[2]}" = show ] && words=--json
         ;;
     esac
-    [[ $current == -* || -z $files ]] && words+=' --help'
+    [[ $current == -* || -z $files ]] && words+=' --help --quiet --verbose'
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current"; [ -z "$files" ] || compgen -f -- "$current")
 }
 complete -o filenames -F _qz_isp qz-isp

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "desk/report/data.h"
+#include "desk/scene/settings.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/output_file.h"
 #include "tools/base/report_page.h"
@@ -14,8 +15,9 @@ using namespace desk;
 int report(const report_options &options)
 {
     expect_one_standard_input(options.inputs);
-    const scene scene = load_scene(options.inputs);
+    scene scene = load_scene(options.inputs);
     const frame_choice chosen = choose_frames(scene, options.frame);
+    apply_settings(options.settings, scene, chosen);
     const std::string tuning = tuning_name(options.inputs);
     json data = {{"tuning", tuning}, {"scene", scene_name(options.inputs)}};
     data.update(report_data(scene, load_container(options.inputs), tuning, chosen));

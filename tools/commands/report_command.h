@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tools/base/inputs.h"
 
@@ -11,6 +12,7 @@ namespace qz::tool {
 struct report_options {
     input_files inputs;
     std::optional<std::string> frame;
+    std::vector<std::string> settings;
     std::string page;
 };
 int report(const report_options &options);

@@ -3,6 +3,7 @@
 #include "desk/makernote/file.h"
 #include "desk/record/dump.h"
 #include "desk/run/session.h"
+#include "desk/scene/settings.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/output_file.h"
 #include "tools/text/record_text.h"
@@ -31,8 +32,9 @@ byte_buffer dump_of(const std::vector<computed_frame> &frames)
 int run(const run_options &options)
 {
     expect_one_standard_input(options.inputs);
-    const scene scene = load_scene(options.inputs);
+    scene scene = load_scene(options.inputs);
     const frame_choice chosen = choose_frames(scene, options.frame);
+    apply_settings(options.settings, scene, chosen);
     const makernote_handle makernote(options.makernote ? qz_mkn_create() : nullptr);
     isp_session session(load_container(options.inputs), tuning_name(options.inputs), scene, makernote.get());
     const std::vector<computed_frame> frames = compute_frames(session, scene, chosen, options.explain);

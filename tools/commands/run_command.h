@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tools/base/inputs.h"
 
@@ -11,6 +12,7 @@ namespace qz::tool {
 struct run_options {
     input_files inputs;
     std::optional<std::string> frame;
+    std::vector<std::string> settings;
     std::optional<std::string> raw;
     std::optional<std::string> makernote;
     bool as_json = false;

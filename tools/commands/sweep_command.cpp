@@ -25,7 +25,7 @@ class row_writer {
         : plan_(plan), json_(options.format == "jsonl"), output_(options.output, source_files(options.inputs))
     {
         for (const sweep_range &range : plan.ranges())
-            add_name(range.name);
+            add_name(range.input.name);
         for (const sweep_column &column : plan.columns())
             add_name(column.name);
     }
@@ -42,8 +42,8 @@ class row_writer {
         size_t place = 0;
         for (const sweep_range &range : plan_.ranges()) {
             start_value(place++);
-            visit_type(range.type, [&](auto typed) {
-                std::memcpy(&typed, range.input, sizeof typed);
+            visit_type(range.input.type, [&](auto typed) {
+                std::memcpy(&typed, range.input.place, sizeof typed);
                 add_number(typed);
             });
         }

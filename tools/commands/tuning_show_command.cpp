@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "desk/tuning/load.h"
 #include "desk/tuning/to_json.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/files.h"
@@ -15,7 +16,7 @@ namespace qz::tool {
 int show_tuning(const tuning_show_options &options)
 {
     const std::string name = input_name(options.file);
-    const desk::byte_buffer bytes = read_file(options.file);
+    const desk::byte_buffer bytes = desk::container_bytes(name, read_file(options.file));
     const desk::tuning_container container = desk::read_container(name, bytes);
     write_text("-", options.as_json ? desk::container_source(container) : tuning_text(container));
     for (const desk::tuning_problem &problem : container.problems)
