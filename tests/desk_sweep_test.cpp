@@ -15,7 +15,8 @@ namespace {
 std::vector<double> values_of(const std::string &option)
 {
     frame_inputs inputs = {};
-    const sweep_ranges ranges({option}, inputs);
+    byte_buffer container;
+    const sweep_ranges ranges({option}, inputs, container);
     std::vector<double> values;
     for (uint64_t i = 0; i < ranges.rows(); ++i)
         values.push_back(ranges.ranges()[0].value(i));
@@ -44,7 +45,9 @@ TEST(sweep_ranges, values_include_the_ends_that_steps_reach)
 TEST(sweep_ranges, the_last_range_runs_fastest_and_missing_records_are_made)
 {
     frame_inputs inputs = {};
-    const sweep_ranges ranges({"gain=1..2:0.5", "aux_size.height=480,600", "frame.size.width=0..65535"}, inputs);
+    byte_buffer container;
+    const sweep_ranges ranges({"gain=1..2:0.5", "aux_size.height=480,600", "frame.size.width=0..65535"}, inputs,
+                              container);
     EXPECT_EQ(ranges.rows(), 3u * 2 * 65536);
     ranges.apply((1 * 2 + 1) * 65536 + 1920);
     EXPECT_EQ(inputs.exposure->analog_gain, 1.5f);
@@ -86,8 +89,9 @@ TEST(sweep_ranges, say_what_is_wrong_with_them)
         {{"nr_mode=0..4294967295", "effects=0..4294967295"}, "found more than 2^64 rows"},
     };
     for (const auto &[options, expected] : cases) {
+        byte_buffer container;
         frame_inputs inputs = {};
-        const std::string error = error_of([&, &given = options] { sweep_ranges(given, inputs); });
+        const std::string error = error_of([&, &given = options] { sweep_ranges(given, inputs, container); });
         EXPECT_TRUE(contains(error, expected)) << error << "\nlacks: " << expected;
     }
 }
@@ -137,7 +141,7 @@ TEST(sweep_shards, are_the_whole_in_parts_that_differ_by_a_row)
 // The tuning record without rows leaves what the block held, so that a row would show the one before it.
 TEST(sweep_plan, rows_are_what_a_context_of_their_own_gives)
 {
-    const byte_buffer container =
+    byte_buffer container =
         pack_container("t", R"({"records": [{"slot": "temporal_noise_reduction", "family": 320, "set": 0, "rows": []},
                              {"slot": "xnr", "family": 320, "set": 0, "rows": [[256, 10], [1024, 40]]}]})");
     scene setup = read_scene("s", R"({"frames": [{"nr_mode": 2}, {"lsc": {"width": 1, "height": 1, "enable": 1,
@@ -147,7 +151,7 @@ TEST(sweep_plan, rows_are_what_a_context_of_their_own_gives)
                            {},
                            {"edge_mode=1", "lsc.enable=1"},
                            "2/2"},
-                          setup);
+                          setup, container);
     isp_session session(container, "t", setup);
     EXPECT_EQ(plan.rows().first, 2u);
     EXPECT_EQ(plan.rows().last, 4u);
@@ -167,7 +171,7 @@ TEST(sweep_plan, rows_are_what_a_context_of_their_own_gives)
             EXPECT_EQ(column_value(plan.columns()[i], snapshot), values[i]) << row << " " << i;
     }
     EXPECT_EQ(error_of([&] {
-                  sweep_plan({{"gain=1"}, {}, "all", {}, {}}, setup);
+                  sweep_plan({{"gain=1"}, {}, "all", {}, {}}, setup, container);
               }),
               "frame: found 2 frames, expected one for a sweep");
 }

@@ -74,6 +74,7 @@ TEST_F(program, reports_errors_with_exit_codes)
     write("rows.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "rows": [[256, 70000]]}]})");
     write("name.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "row": []}]})");
     write("family.json", R"({"records": [{"slot": "xnr", "family": 768, "set": 0, "rows": []}]})");
+    write("cut.json", R"({"records": [{"slot": "rec_3", "family": 320, "set": 0, "bytes": "0102"}]})");
     write("nested.json", R"({"records": [{"set_index": 1, "records": [{"slot": "zoom"}]}]})");
     const std::tuple<const char *, int, const char *> cases[] = {
         {"", 2, "\n  run "},
@@ -82,6 +83,15 @@ TEST_F(program, reports_errors_with_exit_codes)
         {"sweep --ovr gain=1", 2, "; did you mean --over?"},
         {"help tuning sho", 2, "qz-isp: tuning: found sho, expected one of pack, show; did you mean show?"},
         {"run --set hue=128", 2, "qz-isp: --set hue=128: found \"128\", expected an integer from -128 to 127"},
+        {"get x --set tuning:xn.rows[0].key=1", 2, "the record \"xn\", expected one of chroma_nr, "},
+        {"get x --set tuning:xnr.rows[0].key=1", 2, "found xnr, expected its set and set index: xnr[0/0], xnr[0/2]\n"},
+        {"get x --set tuning:xnr[1/0].rows[0].key=1", 2, "found xnr[1/0], expected its set and set index: xnr[0/0]"},
+        {"get x --set tuning:xnr[0/0].rows[7].key=1", 2, "found \"rows[7].key\", expected rows[0]. to rows["},
+        {"get x --set tuning:xnr[0/0].rows[0].parm=1", 2, "expected one of key, param; did you mean param?"},
+        {"get x --set tuning:rec_13[0/0].value=1", 2,
+         "found the field \"value\", expected one of value[0] to value[1]"},
+        {"get x --set tuning:rec_3.value2=1 --tuning cut.json", 2,
+         "found a record that ends before, expected one that"},
         {"get hue", 2, "qz-isp: --fields \"hue\": found the block \"hue\""},
         {"get block1.shift --frame all", 2, "--frame: found 4 frames, expected one"},
         {"run --json --all", 2, "excludes"},

@@ -74,18 +74,30 @@ struct bound_frame {
 } // namespace
 
 isp_session::isp_session(byte_buffer container, std::string tuning_name, const scene &setup, qz_mkn *makernote)
-    : container_(std::move(container)), tuning_name_(std::move(tuning_name))
+    : setup_(setup), makernote_(makernote), container_(std::move(container)), tuning_name_(std::move(tuning_name))
+{
+    open();
+}
+
+void isp_session::load(const byte_buffer &container)
+{
+    context_.reset(); // it points into the old one
+    container_ = container;
+    open();
+}
+
+void isp_session::open()
 {
     const isp_blob blob = {container_.data(), static_cast<uint32_t>(container_.size())};
     bound_characterisation bound = {};
-    if (setup.cmc)
-        bind(*setup.cmc, bound);
+    if (setup_.cmc)
+        bind(*setup_.cmc, bound);
     context_.reset(
-        qz_isp_2_7_init(&blob, setup.grid_width, setup.grid_height, setup.cmc ? &bound.cmc : nullptr, makernote));
+        qz_isp_2_7_init(&blob, setup_.grid_width, setup_.grid_height, setup_.cmc ? &bound.cmc : nullptr, makernote_));
     if (!context_)
         fail({tuning_name_, "",
-              fmt::format("the library did not accept it with a statistics grid of {} x {} cells", setup.grid_width,
-                          setup.grid_height),
+              fmt::format("the library did not accept it with a statistics grid of {} x {} cells", setup_.grid_width,
+                          setup_.grid_height),
               ""});
 }
 

@@ -14,11 +14,14 @@ namespace qz::desk {
 
 class isp_session {
   public:
-    // tuning_name is what messages call the container; the makernote, or null, must outlive the session.
+    // tuning_name is what messages call the container; set-up and makernote, or null, must outlive the session.
     isp_session(byte_buffer container, std::string tuning_name, const scene &setup, qz_mkn *makernote = nullptr);
 
     // The record after the frame.
     record_snapshot run(const frame_inputs &inputs);
+
+    // A new context with another container, for the same set-up.
+    void load(const byte_buffer &container);
 
     // What a new context would have: nothing is left of the frames before.
     void forget_frames();
@@ -35,6 +38,10 @@ class isp_session {
         void operator()(isp_context *context) const { qz_isp_2_7_deinit(context); }
     };
 
+    void open();
+
+    const scene &setup_;
+    qz_mkn *makernote_;
     byte_buffer container_;
     std::string tuning_name_;
     std::unique_ptr<isp_context, context_deleter> context_;

@@ -22,18 +22,20 @@ struct sweep_choice {
 
 class sweep_plan {
   public:
-    // Varies the chosen frame in place: the scene must stay where it is.
-    sweep_plan(const sweep_choice &choice, scene &scene);
+    // Varies the chosen frame and the container in place: they must stay where they are.
+    sweep_plan(const sweep_choice &choice, scene &scene, byte_buffer &container);
 
     const std::vector<sweep_range> &ranges() const { return ranges_.ranges(); }
     const std::vector<sweep_column> &columns() const { return columns_; }
     const row_span &rows() const { return rows_; }
 
-    // Gives the ranges' inputs the values of a row, and computes its record as a context of its own would.
+    // Gives what the ranges vary the values of a row, and computes its record as a context of its own would. The
+    // session has the container.
     record_snapshot compute(uint64_t row, isp_session &session) const;
 
   private:
     frame_inputs &inputs_;
+    const byte_buffer &container_;
     sweep_ranges ranges_;
     std::vector<sweep_column> columns_;
     row_span rows_;

@@ -7,6 +7,9 @@
 #include <fmt/format.h>
 
 #include "desk/base/numbers.h"
+#include "desk/run/settings.h"
+#include "desk/scene/input_by_name.h"
+#include "desk/tuning/value_by_name.h"
 
 namespace qz::desk {
 
@@ -24,7 +27,7 @@ void read_list(const value_option &option, std::string_view values, sweep_range 
     for (size_t end = 0; end != std::string_view::npos; start = end + 1) {
         end = values.find(',', start);
         const std::string_view text = values.substr(start, end - start);
-        const double value = range.input.value(option, text);
+        const double value = range.varied.read(option, text);
         if (std::ranges::find(range.list, value) != range.list.end())
             option.fail(fmt::format("{} twice", text), "every value once");
         range.list.push_back(value);
@@ -44,12 +47,12 @@ double read_stride(const value_option &option, std::string_view text, double abo
 
 void read_steps(const value_option &option, std::string_view values, sweep_range &range)
 {
-    const bool whole = range.input.is_whole();
+    const bool whole = range.varied.is_whole();
     const size_t dots = values.find("..");
     const size_t mark = std::min(values.find_first_of(":*", dots), values.size());
     const std::string_view stride = mark < values.size() ? values.substr(mark + 1) : "1";
-    range.first = range.input.value(option, values.substr(0, dots));
-    range.last = range.input.value(option, values.substr(dots + 2, mark - dots - 2));
+    range.first = range.varied.read(option, values.substr(0, dots));
+    range.last = range.varied.read(option, values.substr(dots + 2, mark - dots - 2));
     range.multiplies = mark < values.size() && values[mark] == '*';
     range.stride = read_stride(option, stride, range.multiplies ? 1 : 0, whole);
     if (range.multiplies && !(range.first > 0 && range.last > 0))
@@ -70,11 +73,11 @@ void read_steps(const value_option &option, std::string_view values, sweep_range
     range.count = static_cast<uint64_t>(steps) + 1;
 }
 
-sweep_range read_range(const value_option &option, frame_inputs &inputs)
+sweep_range read_range(const value_option &option, frame_inputs &inputs, byte_buffer &container)
 {
     const auto [name, values] =
         option.name_and_value("NAME=FIRST..LAST:STEP, NAME=FIRST..LAST*FACTOR or NAME=VALUE,VALUE");
-    sweep_range range = {find_input(option, name, inputs), {}, 0, 0, 0, false, 0};
+    sweep_range range = {find_value(option, name, inputs, container), {}, 0, 0, 0, false, 0};
     if (values.find("..") == std::string_view::npos)
         read_list(option, values, range);
     else
@@ -104,7 +107,7 @@ double sweep_range::value(uint64_t place) const
     return falls ? std::max(value, last) : std::min(value, last);
 }
 
-sweep_ranges::sweep_ranges(const std::vector<std::string> &options, frame_inputs &inputs)
+sweep_ranges::sweep_ranges(const std::vector<std::string> &options, frame_inputs &inputs, byte_buffer &container)
 {
     std::vector<std::pair<const void *, std::string>> taken;
     const auto take = [&](const value_option &option, const void *address, const std::string &name) {
@@ -116,10 +119,11 @@ sweep_ranges::sweep_ranges(const std::vector<std::string> &options, frame_inputs
     };
     for (const std::string &text : options) {
         const value_option option = {"over", text};
-        const sweep_range &range = ranges_.emplace_back(read_range(option, inputs));
-        take(option, range.input.place, range.input.name);
-        if (range.input.name == gain_name)
-            take(option, &inputs.exposure->digital_gain, range.input.name);
+        const sweep_range &range = ranges_.emplace_back(read_range(option, inputs, container));
+        take(option, range.varied.place, range.varied.name);
+        vary_tuning_ = vary_tuning_ || range.varied.name.starts_with(tuning_prefix);
+        if (range.varied.name == gain_name)
+            take(option, &inputs.exposure->digital_gain, range.varied.name);
         if (range.count > UINT64_MAX / rows_)
             option.fail("more than 2^64 rows", "fewer");
         rows_ *= range.count;
@@ -129,7 +133,7 @@ sweep_ranges::sweep_ranges(const std::vector<std::string> &options, frame_inputs
 void sweep_ranges::apply(uint64_t row) const
 {
     for (auto range = ranges_.rbegin(); range != ranges_.rend(); ++range) {
-        range->input.set(range->value(row % range->count));
+        range->varied.set(range->value(row % range->count));
         row /= range->count;
     }
 }

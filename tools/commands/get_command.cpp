@@ -6,7 +6,7 @@
 
 #include "desk/base/error.h"
 #include "desk/explain/computed_frames.h"
-#include "desk/scene/settings.h"
+#include "desk/run/settings.h"
 #include "desk/sweep/columns.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/output_file.h"
@@ -38,9 +38,10 @@ int get(const get_options &options)
     const frame_choice chosen = choose_frames(scene, options.frame);
     if (chosen.last - chosen.first != 1)
         fail({std::nullopt, "frame", fmt::format("{} frames", chosen.last - chosen.first), "one"});
-    apply_settings(options.settings, scene, chosen);
+    byte_buffer container = load_container(options.inputs);
+    apply_settings(options.settings, scene, chosen, container);
     const std::vector<sweep_column> columns = choose_columns(options.fields);
-    isp_session session(load_container(options.inputs), tuning_name(options.inputs), scene);
+    isp_session session(std::move(container), tuning_name(options.inputs), scene);
     write_text("-", values_text(columns, compute_frames(session, scene, chosen, false).front().snapshot));
     return exit_success;
 }

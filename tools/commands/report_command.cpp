@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "desk/report/data.h"
-#include "desk/scene/settings.h"
+#include "desk/run/settings.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/output_file.h"
 #include "tools/base/report_page.h"
@@ -17,10 +17,11 @@ int report(const report_options &options)
     expect_one_standard_input(options.inputs);
     scene scene = load_scene(options.inputs);
     const frame_choice chosen = choose_frames(scene, options.frame);
-    apply_settings(options.settings, scene, chosen);
+    byte_buffer container = load_container(options.inputs);
+    apply_settings(options.settings, scene, chosen, container);
     const std::string tuning = tuning_name(options.inputs);
     json data = {{"tuning", tuning}, {"scene", scene_name(options.inputs)}};
-    data.update(report_data(scene, load_container(options.inputs), tuning, chosen));
+    data.update(report_data(scene, container, tuning, chosen));
     write_text(options.page, filled(built_in_page, data), source_files(options.inputs));
     return exit_success;
 }

@@ -3,7 +3,7 @@
 #include "desk/makernote/file.h"
 #include "desk/record/dump.h"
 #include "desk/run/session.h"
-#include "desk/scene/settings.h"
+#include "desk/run/settings.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/output_file.h"
 #include "tools/text/record_text.h"
@@ -34,9 +34,10 @@ int run(const run_options &options)
     expect_one_standard_input(options.inputs);
     scene scene = load_scene(options.inputs);
     const frame_choice chosen = choose_frames(scene, options.frame);
-    apply_settings(options.settings, scene, chosen);
+    byte_buffer container = load_container(options.inputs);
+    apply_settings(options.settings, scene, chosen, container);
     const makernote_handle makernote(options.makernote ? qz_mkn_create() : nullptr);
-    isp_session session(load_container(options.inputs), tuning_name(options.inputs), scene, makernote.get());
+    isp_session session(std::move(container), tuning_name(options.inputs), scene, makernote.get());
     const std::vector<computed_frame> frames = compute_frames(session, scene, chosen, options.explain);
     if (options.makernote)
         write_file(*options.makernote, save_makernote(makernote.get()), source_files(options.inputs));

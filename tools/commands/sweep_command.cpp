@@ -25,7 +25,7 @@ class row_writer {
         : plan_(plan), json_(options.format == "jsonl"), output_(options.output, source_files(options.inputs))
     {
         for (const sweep_range &range : plan.ranges())
-            add_name(range.input.name);
+            add_name(range.varied.name);
         for (const sweep_column &column : plan.columns())
             add_name(column.name);
     }
@@ -42,8 +42,8 @@ class row_writer {
         size_t place = 0;
         for (const sweep_range &range : plan_.ranges()) {
             start_value(place++);
-            visit_type(range.input.type, [&](auto typed) {
-                std::memcpy(&typed, range.input.place, sizeof typed);
+            visit_type(range.varied.type, [&](auto typed) {
+                std::memcpy(&typed, range.varied.place, sizeof typed);
                 add_number(typed);
             });
         }
@@ -111,8 +111,9 @@ int sweep(const sweep_options &options)
         throw usage_error("--no-header: found JSON lines, expected CSV, which has a header");
     expect_one_standard_input(options.inputs);
     scene scene = load_scene(options.inputs);
-    const sweep_plan plan(options.choice, scene);
-    isp_session session(load_container(options.inputs), tuning_name(options.inputs), scene);
+    byte_buffer container = load_container(options.inputs);
+    const sweep_plan plan(options.choice, scene, container);
+    isp_session session(container, tuning_name(options.inputs), scene);
 
     row_writer writer(options, plan);
     const auto [first, last, leads] = plan.rows();

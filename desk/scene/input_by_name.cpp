@@ -1,15 +1,10 @@
-#include "desk/scene/named_input.h"
+#include "desk/scene/input_by_name.h"
 
-#include <algorithm>
-#include <cmath>
-#include <cstring>
-#include <limits>
+#include <vector>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "desk/base/error.h"
-#include "desk/base/numbers.h"
 #include "desk/base/one_of.h"
 #include "desk/scene/frame_fields.h"
 
@@ -17,13 +12,13 @@ namespace qz::desk {
 
 namespace {
 
-constexpr std::string_view effects_name = "effects";
-
 // Fields that no library reads need no values.
 bool is_used(const field &described)
 {
     return !described.name.starts_with("unused");
 }
+
+constexpr std::string_view effects_name = "effects";
 
 std::string known_names(std::string_view found)
 {
@@ -53,64 +48,16 @@ std::optional<double> effects_word(std::string_view text)
     return word;
 }
 
+constexpr value_words effect_words = {
+    effects_word,
+    [] { return fmt::format("a flag word, or names joined with + of {}", fmt::join(effect_names, ", ")); }};
+
 } // namespace
 
-std::pair<std::string_view, std::string_view> value_option::name_and_value(std::string_view expected) const
-{
-    const size_t equals = text.find('=');
-    if (equals == std::string_view::npos)
-        fail("no \"=\"", std::string(expected));
-    return {text.substr(0, equals), text.substr(equals + 1)};
-}
-
-void value_option::fail(std::string found, std::string expected) const
-{
-    desk::fail({std::nullopt, fmt::format("{} {}", option, text), std::move(found), std::move(expected)});
-}
-
-double named_input::least() const
-{
-    return visit_type(type, [](auto typed) { return double{std::numeric_limits<decltype(typed)>::lowest()}; });
-}
-
-double named_input::most() const
-{
-    return visit_type(type, [](auto typed) { return double{std::numeric_limits<decltype(typed)>::max()}; });
-}
-
-bool named_input::is_whole() const
-{
-    return type != element::f32;
-}
-
-double named_input::value(const value_option &option, std::string_view text) const
-{
-    if (name == effects_name && text.find_first_not_of("0123456789") != std::string_view::npos) {
-        if (const std::optional<double> word = effects_word(text))
-            return *word;
-        option.fail(fmt::format("\"{}\"", text),
-                    fmt::format("a flag word, or names joined with + of {}", fmt::join(effect_names, ", ")));
-    }
-    const std::optional<double> number = number_of(text);
-    const bool fits = number && *number >= least() && *number <= most();
-    if (!fits || (is_whole() && *number != std::floor(*number)))
-        option.fail(fmt::format("\"{}\"", text), is_whole() ? fmt::format("an integer from {} to {}", least(), most())
-                                                            : "a number within single precision");
-    return *number;
-}
-
-void named_input::set(double value) const
-{
-    visit_type(type, [&](auto typed) {
-        typed = static_cast<decltype(typed)>(value);
-        std::memcpy(place, &typed, sizeof typed);
-    });
-}
-
-named_input find_input(const value_option &option, std::string_view name, frame_inputs &inputs)
+named_value find_input(const value_option &option, std::string_view name, frame_inputs &inputs)
 {
     if (name == effects_name)
-        return {std::string(name), element::u32, &inputs.controls.effects};
+        return {std::string(name), element::u32, &inputs.controls.effects, &effect_words};
     if (name == "lsc.enable") {
         if (!inputs.lsc)
             option.fail("a frame without lsc", "one with lens shading grids");

@@ -1,12 +1,12 @@
-// One number of a frame's inputs, by the name that options give it: "gain", "frame.size.width", "colour.ccm[4]".
+// One number that options choose by its name and give values.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "desk/base/fields.h"
-#include "desk/scene/scene.h"
 
 namespace qz::desk {
 
@@ -20,24 +20,25 @@ struct value_option {
     [[noreturn]] void fail(std::string found, std::string expected) const;
 };
 
-struct named_input {
+// Words that stand for a number.
+struct value_words {
+    std::optional<double> (*number)(std::string_view text);
+    std::string (*expected)();
+};
+
+struct named_value {
     std::string name;
     element type;
-    void *place; // in the frame's inputs
+    void *place;                        // of any alignment
+    const value_words *words = nullptr; // null: digits only
 
     double least() const;
     double most() const;
     bool is_whole() const;
 
-    // Of a text: a number that the input can have, or effects joined with "+". Fails at others.
-    double value(const value_option &option, std::string_view text) const;
+    // Of a text: a number that the type has, or words. Fails at others.
+    double read(const value_option &option, std::string_view text) const;
     void set(double value) const;
 };
-
-// The analog gain, with a digital gain of 1.
-constexpr std::string_view gain_name = "gain";
-
-// Makes the struct that holds the input first, correcting nothing, where the frame has none. Fails at other names.
-named_input find_input(const value_option &option, std::string_view name, frame_inputs &inputs);
 
 } // namespace qz::desk

@@ -1,0 +1,17 @@
+// The inputs of a frame by the names that options give them: "gain", "frame.size.width", "colour.ccm[4]".
+#pragma once
+
+#include <string_view>
+
+#include "desk/base/named_value.h"
+#include "desk/scene/scene.h"
+
+namespace qz::desk {
+
+// The analog gain, with a digital gain of 1.
+constexpr std::string_view gain_name = "gain";
+
+// Makes the struct that holds the input first, correcting nothing, where the frame has none. Fails at other names.
+named_value find_input(const value_option &option, std::string_view name, frame_inputs &inputs);
+
+} // namespace qz::desk
