@@ -126,6 +126,7 @@ TEST_F(program, reports_errors_with_exit_codes)
         {"sweep --over gain=1 --format json", 2, "--format: json not in {csv,jsonl}"},
         {"sweep --over gain=1 --format jsonl --no-header", 2, "--no-header: found JSON lines, expected CSV"},
         {"sweep --over gain=1 --shard 0/2", 2, "qz-isp: --shard: found \"0/2\", expected I/N"},
+        {"sweep --over gain=1 --jobs 0", 2, "--jobs: "},
         {"sweep --over gain=1 --output /dev/full", 1, "qz-isp: /dev/full: cannot be written: No space left"},
     };
     for (const auto &[arguments, code, error] : cases) {
@@ -206,6 +207,7 @@ TEST_F(program, sweep_writes_shards_that_are_the_whole)
     EXPECT_EQ(text_of("file"), whole.out.substr(whole.out.find('\n') + 1));
 
     const std::string many = "sweep --over sharpness=-128..127 --over hue=-20..20 --fields block13.* ";
+    EXPECT_EQ(run(many + "--jobs 3").out, run(many + "--jobs 1").out);
     const result head = run(many + "2> errors; echo $? > code; } | head -n 1", "{");
     EXPECT_EQ(head.out, "sharpness,hue,block13.param[0],block13.param[1],block13.param[2]\n");
     EXPECT_EQ(text_of("code"), "141\n");

@@ -149,6 +149,9 @@ void add_sweep(CLI::App &app, chosen_command &chosen)
         ->check(CLI::IsMember({"csv", "jsonl"}));
     command->add_flag("--no-header", options->no_header, "Leave out the line of names");
     command->add_option("--shard", options->choice.shard, "Compute the rows of part I of N only")->type_name("I/N");
+    command->add_option("--jobs", options->jobs, "Processors to use; else all")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1024));
     command->add_option("--output", options->output, "Write here instead of standard output")->type_name("FILE");
     command->footer(
         "FILE may be - for standard input or output.\n\n"

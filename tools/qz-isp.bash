@@ -32,7 +32,7 @@ _qz_isp()
         case $previous in
         --tuning | --scene | --output) files=yes ;;
         --format) words='csv jsonl' ;;
-        *) words='--over --fields --tuning --scene --frame --set --format --no-header --shard --output' ;;
+        *) words='--over --fields --tuning --scene --frame --set --format --no-header --shard --jobs --output' ;;
         esac
         ;;
     'tuning 2')

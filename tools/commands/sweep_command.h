@@ -1,6 +1,8 @@
 // qz-isp sweep: a frame over ranges of its inputs, one row a frame.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "desk/sweep/plan.h"
@@ -14,6 +16,7 @@ struct sweep_options {
     std::string format = "csv"; // or "jsonl"
     bool no_header = false;
     std::string output = "-";
+    std::optional<uint32_t> jobs; // threads; else as many as there are processors
 };
 int sweep(const sweep_options &options);
 
