@@ -6,11 +6,11 @@
 
 #include <gtest/gtest.h>
 
-#include "allocation_faults.h"
-#include "camera.h"
 #include "qz_isp/bicubic.h"
 #include "qz_isp/matrix.h"
 #include "qz_isp/polynomial.h"
+#include "tests/allocation_faults.h"
+#include "tests/camera.h"
 
 namespace {
 

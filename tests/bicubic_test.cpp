@@ -10,8 +10,8 @@
 
 #include <gtest/gtest.h>
 
-#include "guarded.h"
 #include "qz_isp/bicubic.h"
+#include "tests/guarded.h"
 
 namespace {
 

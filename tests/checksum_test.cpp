@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "guarded.h"
 #include "qz_isp/checksum.h"
+#include "tests/guarded.h"
 
 namespace {
 

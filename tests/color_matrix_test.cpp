@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "digest.h"
 #include "qz_isp/color.h"
+#include "tests/digest.h"
 
 namespace {
 

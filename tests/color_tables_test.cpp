@@ -6,10 +6,10 @@
 
 #include <gtest/gtest.h>
 
-#include "digest.h"
-#include "guarded.h"
 #include "qz_isp/color.h"
 #include "qz_mkn.h"
+#include "tests/digest.h"
+#include "tests/guarded.h"
 
 namespace {
 

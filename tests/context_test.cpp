@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "camera.h"
+#include "tests/camera.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include "desk/makernote/file.h"
 #include "desk/record/dump.h"
-#include "desk_suite.h"
+#include "tests/desk_suite.h"
 
 using namespace qz::desk;
 

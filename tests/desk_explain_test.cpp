@@ -8,7 +8,7 @@
 #include "desk/explain/computed_frames.h"
 #include "desk/explain/explain.h"
 #include "desk/explain/frame_json.h"
-#include "desk_suite.h"
+#include "tests/desk_suite.h"
 
 using namespace qz::desk;
 

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "desk/scene/frame_choice.h"
-#include "desk_suite.h"
+#include "tests/desk_suite.h"
 
 using namespace qz::desk;
 

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "desk/sweep/plan.h"
-#include "desk_suite.h"
+#include "tests/desk_suite.h"
 
 using namespace qz::desk;
 

@@ -9,7 +9,7 @@
 #include "desk/base/json_node.h"
 #include "desk/tuning/pack.h"
 #include "desk/tuning/to_json.h"
-#include "desk_suite.h"
+#include "tests/desk_suite.h"
 
 using namespace qz::desk;
 

@@ -6,9 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include "allocation_faults.h"
-#include "guarded.h"
 #include "qz_isp/noise_detail.h"
+#include "tests/allocation_faults.h"
+#include "tests/guarded.h"
 
 namespace {
 

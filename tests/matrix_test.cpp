@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "qz_isp/matrix.h"
-#include "strided_matrix.h"
+#include "tests/strided_matrix.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "qz_isp/nearest.h"
-#include "resizing.h"
+#include "tests/resizing.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include "container_builder.h"
 #include "qz_isp/error.h"
 #include "qz_mkn.h"
+#include "tests/container_builder.h"
 
 namespace {
 

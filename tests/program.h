@@ -9,7 +9,7 @@
 #include <stdlib.h>
 #include <sys/wait.h>
 
-#include "desk_suite.h"
+#include "tests/desk_suite.h"
 #include "tools/base/files.h"
 #include "tools/base/output_file.h"
 

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "guarded.h"
+#include "tests/guarded.h"
 
 namespace test {
 

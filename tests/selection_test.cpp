@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "container_builder.h"
 #include "qz_isp/error.h"
+#include "tests/container_builder.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <random>
 #include <vector>
 
-#include "guarded.h"
+#include "tests/guarded.h"
 
 enum class layout { dense, transposed, padded, unaligned, rows_upwards, columns_leftwards, spread };
 

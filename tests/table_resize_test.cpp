@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "qz_isp/table_resize.h"
-#include "resizing.h"
+#include "tests/resizing.h"
 
 namespace {
 

@@ -3,10 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include "container_builder.h"
 #include "qz_isp/context.h"
 #include "qz_isp/frame.h"
 #include "qz_mkn.h"
+#include "tests/container_builder.h"
 
 namespace {
 

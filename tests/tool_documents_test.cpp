@@ -9,13 +9,13 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include "camera.h"
 #include "desk/record/layout.h"
 #include "desk/scene/frame_fields.h"
 #include "desk/sweep/columns.h"
 #include "desk/tuning/layout.h"
-#include "program.h"
 #include "qz_isp/makernote_records.h"
+#include "tests/camera.h"
+#include "tests/program.h"
 #include "tools/base/files.h"
 
 namespace {

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "program.h"
+#include "tests/program.h"
 #include "tools/base/report_page.h"
 
 using nlohmann::json;
