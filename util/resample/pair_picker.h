@@ -27,6 +27,9 @@ class pair_picker {
             index_[padded_] = index_[count - 1];
     }
 
+    // With those that are repeated.
+    size_t padded_count() const { return padded_; }
+
     // How pairs are picked: 1 or 2 for as many quads of a row as the pairs of a quad come from, 0 for one by one.
     int plan() { return plan_quads(1) ? 1 : plan_quads(2) ? 2 : 0; }
 

@@ -42,6 +42,8 @@ struct column_block {
             weights.set(i, n);
             return n.left;
         });
+        for (size_t i = count; i < columns.padded_count(); ++i)
+            weights.set(i, {}); // computed along with the others, not stored
         if constexpr (qz::has_pick_bytes<Lanes>) {
             switch (columns.plan()) {
             case 1: return resize<Lanes, 1>(columns, weights);
