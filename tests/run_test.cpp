@@ -40,6 +40,19 @@ TEST(run, arguments_and_missing_inputs)
     EXPECT_EQ(output.record->white_balance.id, 0u);
 }
 
+TEST(run, every_block_has_its_header)
+{
+    camera one;
+    isp_lsc_params lsc = {};
+    lsc.enable = 1;
+    isp_input_params input = {};
+    input.lsc = &lsc;
+    const aic_record &record = one.run(input);
+#define QZ_EXPECT_HEADER(name, number, bytes, ...) EXPECT_EQ(record.name.id, uint32_t{number}) << #name;
+    AIC_BLOCKS(QZ_EXPECT_HEADER)
+#undef QZ_EXPECT_HEADER
+}
+
 TEST(run, lens_shading_grows_the_record_and_survives_a_failed_frame)
 {
     camera one;
