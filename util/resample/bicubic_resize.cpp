@@ -39,8 +39,7 @@ struct resize_job {
     QZ_ALWAYS_INLINE void run() const
     {
         alignas(64) qz::cubic_strip<double> strip;
-        for (uint32_t column = 0; column < size.columns; column += qz::cubic_strip<double>::width)
-            qz::resample_strip<Lanes, to_p10>(strip, buffer, stride, across, down, dst, size, column);
+        qz::resample_plane<Lanes, to_p10>(strip, buffer, stride, across, down, dst, size);
     }
 };
 

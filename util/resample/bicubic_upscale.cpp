@@ -41,8 +41,7 @@ struct plane_upscale {
     QZ_ALWAYS_INLINE void run(qz::cubic_strip<float> &strip, const upscale_job &job, const float *buffer,
                               float *dst) const
     {
-        for (uint32_t column = 0; column < job.size.columns; column += qz::cubic_strip<float>::width)
-            qz::resample_strip<Lanes, to_range>(strip, buffer, job.stride, job.across, job.down, dst, job.size, column);
+        qz::resample_plane<Lanes, to_range>(strip, buffer, job.stride, job.across, job.down, dst, job.size);
     }
 };
 

@@ -58,13 +58,16 @@ QZ_ALWAYS_INLINE void round_to_float(Reals &value)
     }
 }
 
-// Four samples of each column are gathered, and transposed in registers.
+// Samples of columns that lie close together are picked from vectors of neighbours. Of others, four samples of each
+// column are gathered, and transposed in registers.
 template <typename Real>
 struct gathered_columns {
     static constexpr uint32_t width = 256;
 
-    uint32_t first[width]; // extended column of the first of four samples
-    Real fraction[width];  // from the second sample to the third
+    uint32_t first[width];  // extended column of the first of four samples
+    uint32_t choice[width]; // of the first sample, from as many of a row as there are lanes, where columns are close
+    Real fraction[width];   // from the second sample to the third
+    bool close;             // all columns of a vector
 
     template <int Lanes>
     QZ_ALWAYS_INLINE static uint32_t whole(uint32_t count)
@@ -81,11 +84,22 @@ struct gathered_columns {
             first[c] = at.whole;
             fraction[c] = at.fraction;
         }
+        if constexpr (has_load_picked<Lanes>)
+            choose<Lanes>(whole<Lanes>(count));
     }
 
     template <int Lanes>
     QZ_ALWAYS_INLINE void resample(uint32_t count, const float *row, Real *out)
     {
+        if constexpr (has_load_picked<Lanes>)
+            if (close) {
+                for (size_t c = 0; c < whole<Lanes>(count); c += Lanes) {
+                    vec<Lanes> tap[4];
+                    pick<Lanes>(row, c, tap);
+                    resample_taps<Lanes, 0>(tap, fraction + c, out + c);
+                }
+                return;
+            }
         for (size_t c = 0; c < whole<Lanes>(count); c += Lanes) {
             vec<Lanes> tap[4];
             for (int i = 0; i < 4; ++i)
@@ -96,6 +110,29 @@ struct gathered_columns {
     }
 
   private:
+    template <int Lanes>
+    QZ_ALWAYS_INLINE void choose(uint32_t count)
+    {
+        close = true;
+        for (uint32_t c = 0; close && c < count; c += Lanes) {
+            close = first[c + Lanes - 1] - first[c] < Lanes;
+            for (uint32_t i = c; i < c + Lanes; ++i)
+                choice[i] = first[i] - first[c];
+        }
+    }
+
+    template <int Lanes>
+    QZ_ALWAYS_INLINE void pick(const float *row, size_t c, vec<Lanes> (&tap)[4]) const
+    {
+        const float *near = row + first[c];
+        int_vec<Lanes> by;
+        load(by, choice + c);
+        load_picked<Lanes>(tap[0], near, by);
+        load_picked<Lanes>(tap[1], near + 1, by);
+        load_picked<Lanes>(tap[2], near + 2, by);
+        load_picked<Lanes>(tap[3], near + 3, by);
+    }
+
     template <int Lanes, int At>
     QZ_ALWAYS_INLINE static void resample_taps(const vec<Lanes> (&tap)[4], const Real *fraction, Real *out)
     {

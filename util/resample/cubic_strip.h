@@ -25,10 +25,10 @@ struct cubic_strip {
     static constexpr uint32_t no_row = UINT32_MAX;
 
     // Arrays first, so that each begins on a cache line where the strip does.
-    columns_type across;
     Real rows[4][width]; // rounded to float
     cubics<Real, width> band;
     [[no_unique_address]] std::conditional_t<one_by_one<Real>, Real[width], nothing> evaluated;
+    columns_type across;
     uint32_t held[4]; // extended row held[i] is in rows[i], resampled across; i is its number modulo 4
     uint32_t columns; // in use
 };
@@ -95,18 +95,45 @@ struct plane_size {
     uint32_t columns;
 };
 
-// Destination columns from first_column on, as many as a strip has, in all rows. Convert::store<Lanes>() turns the
-// values of two vectors into samples.
+// Values of a row become samples; out has room for so many. Convert::store<Lanes>() turns the values of two vectors
+// into samples.
+template <int Lanes, typename Convert, typename Real, typename Sample>
+QZ_ALWAYS_INLINE void store_row(const cubic_strip<Real> &strip, const Real *row, Real t, Sample *out, size_t room)
+{
+    constexpr size_t step = size_t{2} * Lanes;
+    vec<Lanes> low, high;
+    size_t c = 0;
+    for (; c + step <= strip.columns; c += step) {
+        evaluate<Lanes, Real>(strip, row, c, t, low);
+        evaluate<Lanes, Real>(strip, row, c + Lanes, t, high);
+        Convert::template store<Lanes>(out + c, low, high);
+    }
+    if (c == strip.columns)
+        return;
+    evaluate<Lanes, Real>(strip, row, c, t, low);
+    high = low;
+    if (c + Lanes < strip.columns)
+        evaluate<Lanes, Real>(strip, row, c + Lanes, t, high);
+    if (Lanes > 4 && c + step <= room) { // four lanes are copied faster
+        Convert::template store<Lanes>(out + c, low, high);
+    } else {
+        Sample last[step];
+        Convert::template store<Lanes>(last, low, high);
+        std::copy_n(last, strip.columns - c, out + c);
+    }
+}
+
+// Destination columns from first_column on, as many as a strip has, in all rows.
 template <int Lanes, typename Convert, typename Real, typename Axis, typename Sample>
 QZ_ALWAYS_INLINE void resample_strip(cubic_strip<Real> &strip, const float *buffer, size_t stride, const Axis &across,
                                      const Axis &down, Sample *dst, plane_size size, uint32_t first_column)
 {
-    constexpr size_t step = size_t{2} * Lanes;
     strip.columns = std::min(size.columns - first_column, cubic_strip<Real>::width);
     strip.across.template place<Lanes>(across, first_column, strip.columns);
     std::fill_n(strip.held, 4, strip.no_row);
 
     uint32_t band = strip.no_row;
+    size_t room = size_t{size.rows} * size.columns - first_column; // to the end of the plane
     for (uint32_t r = 0; r < size.rows; ++r) {
         const axis_position at(down.position(r));
         if (at.whole != band)
@@ -115,24 +142,20 @@ QZ_ALWAYS_INLINE void resample_strip(cubic_strip<Real> &strip, const float *buff
         const Real *row = strip.rows[(band + 1) % 4];
         if constexpr (one_by_one<Real>)
             evaluate_row(strip, row, static_cast<Real>(at.fraction));
-        Sample *out = dst + size_t{r} * size.columns + first_column;
-        vec<Lanes> low, high;
-        size_t c = 0;
-        for (; c + step <= strip.columns; c += step) {
-            evaluate<Lanes, Real>(strip, row, c, at.fraction, low);
-            evaluate<Lanes, Real>(strip, row, c + Lanes, at.fraction, high);
-            Convert::template store<Lanes>(out + c, low, high);
-        }
-        if (c < strip.columns) {
-            evaluate<Lanes, Real>(strip, row, c, at.fraction, low);
-            high = low;
-            if (c + Lanes < strip.columns)
-                evaluate<Lanes, Real>(strip, row, c + Lanes, at.fraction, high);
-            Sample last[step];
-            Convert::template store<Lanes>(last, low, high);
-            std::copy_n(last, strip.columns - c, out + c);
-        }
+        store_row<Lanes, Convert, Real>(strip, row, at.fraction, dst + size_t{r} * size.columns + first_column, room);
+        room -= size.columns;
     }
+}
+
+// The strips of a plane from the last to the first, each from its first row to its last: vectors are stored whole, and
+// what lies beyond the end of a row is written later.
+template <int Lanes, typename Convert, typename Real, typename Axis, typename Sample>
+QZ_ALWAYS_INLINE void resample_plane(cubic_strip<Real> &strip, const float *buffer, size_t stride, const Axis &across,
+                                     const Axis &down, Sample *dst, plane_size size)
+{
+    constexpr uint32_t width = cubic_strip<Real>::width;
+    for (uint32_t end = (size.columns + width - 1) / width * width; end > 0; end -= width)
+        resample_strip<Lanes, Convert>(strip, buffer, stride, across, down, dst, size, end - width);
 }
 
 } // namespace qz

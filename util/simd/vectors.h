@@ -75,6 +75,33 @@ QZ_ALWAYS_INLINE void load_quads(Vector &v, const T *from, const uint32_t *index
     }
 }
 
+// Whether load_picked() works.
+template <int Lanes>
+inline constexpr bool has_load_picked = QZ_WIDE_INSTRUCTIONS &&Lanes > 4;
+
+#if QZ_WIDE_INSTRUCTIONS
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wpsabi" // of vectors that are handed on by value, which these calls are not
+#endif
+
+// Lane i from the element that choice i names, of as many as there are lanes.
+template <int Lanes>
+QZ_ALWAYS_INLINE void load_picked(vec<Lanes> &to, const float *from, const int_vec<Lanes> &choice)
+{
+    vec<Lanes> loaded;
+    load(loaded, from);
+#if QZ_WIDE_INSTRUCTIONS
+    if constexpr (Lanes == 16)
+        to = __builtin_ia32_permvarsf512_mask(loaded, choice, loaded, -1);
+    if constexpr (Lanes == 8)
+        to = __builtin_ia32_permvarsf256(loaded, choice);
+#endif
+}
+
+#if QZ_WIDE_INSTRUCTIONS
+#pragma GCC diagnostic pop
+#endif
+
 // Quad i from element i * stride.
 template <typename Vector, typename T>
 QZ_ALWAYS_INLINE void load_strided_quads(Vector &v, const T *from, size_t stride)
