@@ -1,4 +1,6 @@
 // Dumps of records, and saved makernotes.
+#include <cstring>
+
 #include <gtest/gtest.h>
 
 #include "desk/makernote/file.h"
@@ -26,6 +28,17 @@ TEST(record_dump, is_told_apart_by_what_follows_the_first_record)
               "overflowing: offset 4948: found 536870923 columns and 9 rows, expected 99 entries, as the size of the "
               "block tells");
 
+    byte_buffer largest = dump_of({sample_records()[0]});
+    largest.resize(AIC_RECORD_SIZE);
+    for (const uint32_t entries : {AIC_LENS_SHADING_MAX_ENTRIES, AIC_LENS_SHADING_MAX_ENTRIES + 1}) {
+        const uint32_t size = 8 + 8 * entries;
+        const uint32_t grid[] = {entries, 1};
+        std::memcpy(&largest[AIC_FIXED_SIZE + 4], &size, sizeof size);
+        std::memcpy(&largest[offsetof(aic_record, lens_shading.payload.columns)], grid, sizeof grid);
+        EXPECT_EQ(error_of([&] { read_records("largest", largest); }) == "no error",
+                  entries == AIC_LENS_SHADING_MAX_ENTRIES);
+    }
+
     // 401 records of the fixed blocks are as long as 56 whole records.
     fixed.resize(AIC_FIXED_SIZE);
     byte_buffer many;
@@ -42,8 +55,11 @@ TEST(record_dump, and_makernote_cut_anywhere_are_refused_with_an_offset)
 {
     qz_mkn *created = qz_mkn_create();
     const byte_buffer records = dump_of(sample_records(created));
+    const std::vector<uint8_t> many(70000, 7);
+    qz_mkn_add_record(created, QZ_MKN_U8, 1, many.data(), 70000, nullptr);
     const byte_buffer makernote = save_makernote(created);
     qz_mkn_destroy(created);
+    EXPECT_EQ(read_makernote("many", makernote).records.back().data.size(), many.size());
     size_t whole_frames = 0;
     for (size_t size = 0; size <= size_t{2} * 5728; size += 8) {
         const std::string problem = error_of([&] { read_records("cut", byte_view(records).first(size)); });
@@ -51,7 +67,7 @@ TEST(record_dump, and_makernote_cut_anywhere_are_refused_with_an_offset)
         EXPECT_TRUE(problem == "no error" || contains(problem, "cut: offset ")) << problem;
     }
     EXPECT_EQ(whole_frames, 4u); // two frames, each before and after its lens shading block
-    for (size_t size = 0; size < makernote.size(); size += size < 500 ? 1 : 97)
+    for (size_t size = 0; size < makernote.size(); size += size < 500 ? 1 : 977)
         EXPECT_TRUE(
             contains(error_of([&] { read_makernote("cut", byte_view(makernote).first(size)); }), "cut: offset "));
 

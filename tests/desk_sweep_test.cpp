@@ -28,6 +28,7 @@ TEST(sweep_ranges, values_include_the_ends_that_steps_reach)
     const std::pair<const char *, std::vector<double>> cases[] = {
         {"sharpness=-128..127:100", {-128, -28, 72}},
         {"sharpness=126..127", {126, 127}},
+        {"nr_mode=4294967295,16777217", {4294967295, 16777217}},
         {"sharpness=5..-6:5", {5, 0, -5}},
         {"gain=1..17*2", {1, 2, 4, 8, 16}},
         {"gain=16..0.9*4", {16, 4, 1}},

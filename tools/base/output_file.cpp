@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <tuple>
 
 #include <fmt/format.h>
 #include <sys/stat.h>
@@ -86,10 +87,10 @@ void output_file::open_beside()
     beside_ = beside;
     target_ = target.string();
     handle_.reset(fdopen(descriptor, "wb"));
-    if (exists && fchown(descriptor, there.st_uid, there.st_gid) != 0)
-        errno = 0; // it is the caller's then
-    if (fchmod(descriptor, exists ? there.st_mode & 07777 : new_file_mode()) != 0)
-        errno = 0; // on a file system without permissions
+    // Where it cannot be the owner's, or a file system knows no permissions, the file is what it can be.
+    if (exists)
+        std::ignore = fchown(descriptor, there.st_uid, there.st_gid);
+    std::ignore = fchmod(descriptor, exists ? there.st_mode & 07777 : new_file_mode());
 }
 
 output_file::~output_file()
@@ -120,6 +121,7 @@ void output_file::finish()
     if (std::rename(beside_.c_str(), target_.c_str()) != 0)
         fail("cannot be replaced");
     beside_.clear();
+    unfinished[0] = '\0';
 }
 
 void output_file::fail(const char *what) const
