@@ -26,9 +26,11 @@ inline float total_gain(const isp_exposure &exposure)
 }
 
 // The hardware's gain scale has 16 bits, so that the gain is taken modulo 2^16, whatever its size.
+inline constexpr float gain_modulus = 65536.0f;
+
 inline uint16_t current_gain(const isp_exposure *exposure)
 {
-    return has_gains(exposure) ? static_cast<uint16_t>(truncate_to_u32(std::fmod(total_gain(*exposure), 65536.0f)))
+    return has_gains(exposure) ? static_cast<uint16_t>(truncate_to_u32(std::fmod(total_gain(*exposure), gain_modulus)))
                                : uint16_t{256};
 }
 

@@ -1,4 +1,5 @@
 // Steps of a frame run: blocks interpolated from a long tuning record, whose rows are 32-bit values.
+#include <cstddef>
 #include <cstring>
 #include <iterator>
 #include <span>
@@ -42,6 +43,12 @@ uint32_t to_9_fractional_bits(uint32_t gain, uint32_t shift)
     return gain << (shift - same); // a gain's integer part has 32 bits at most
 }
 
+// The number of the value at a byte of a row, whose key is not counted.
+constexpr size_t value_number(size_t byte)
+{
+    return byte / sizeof(int32_t) - 1;
+}
+
 // Curve points scaled by a Q9 factor, limited to 13 bits.
 uint32_t curve_point(uint32_t value, uint32_t scale)
 {
@@ -73,17 +80,19 @@ void long_5_step(frame_run &run)
     write_header(block);
     const auto rows = long_rows<isp_long_5_row>(run.tuning.long_5);
     if (!rows.empty()) {
-        // Two curves of 64 points, the scale of each, and the parameters. The scales are those of the table's first
-        // row, whatever the gain.
-        uint32_t values[sizeof(isp_long_5_row) / sizeof(int32_t) - 1]; // all but the key
+        uint32_t values[value_number(sizeof(isp_long_5_row))];
         interpolate(run, rows, values);
+        const uint32_t *const curve_a = values + value_number(offsetof(isp_long_5_row, curve_a));
+        const uint32_t *const curve_b = values + value_number(offsetof(isp_long_5_row, curve_b));
+        const uint32_t *const param = values + value_number(offsetof(isp_long_5_row, param));
+        // Whatever the gain.
         const auto scale_a = static_cast<uint32_t>(rows.front().scale_a);
         const auto scale_b = static_cast<uint32_t>(rows.front().scale_b);
-        for (size_t i = 0; i < 64; ++i) {
-            block.payload.curve_a[i] = curve_point(values[i], scale_a);
-            block.payload.curve_b[i] = curve_point(values[64 + i], scale_b);
+        for (size_t i = 0; i < std::size(block.payload.curve_a); ++i) {
+            block.payload.curve_a[i] = curve_point(curve_a[i], scale_a);
+            block.payload.curve_b[i] = curve_point(curve_b[i], scale_b);
         }
-        std::memcpy(block.payload.param, values + 130, sizeof block.payload.param);
+        std::memcpy(block.payload.param, param, sizeof block.payload.param);
     } else {
         block.payload = defaults::long_5;
     }

@@ -69,8 +69,7 @@ void hold_rec_13(isp_tuning_set &set, const isp_record *record, uint32_t size, c
 {
     std::free(set.rec_13);
     set.rec_13 = copy_record(record, size, kind.fixed_size);
-    constexpr uint8_t version_without_second_value = 100;
-    if (set.rec_13 != nullptr && set.rec_13->version == version_without_second_value)
+    if (set.rec_13 != nullptr && set.rec_13->version == ISP_REC_13_WITHOUT_SECOND)
         std::memset(reinterpret_cast<uint8_t *>(set.rec_13) + ISP_RECORD_HEADER_SIZE + sizeof(uint16_t), 0,
                     sizeof(uint16_t));
 }

@@ -52,6 +52,11 @@ void note_base_set(const frame_facts &frame, block_origin &block)
     }
 }
 
+void note_missing_value(const frame_facts & /*frame*/, block_origin &block)
+{
+    block.add(fmt::format("which count as 0 in version {}", ISP_REC_13_WITHOUT_SECOND));
+}
+
 // What follows the rows in the record's newer versions.
 void note_fringe_tail(const frame_facts &frame, block_origin &block)
 {

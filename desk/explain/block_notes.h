@@ -19,6 +19,7 @@ using note_writer = void (*)(const frame_facts &frame, block_origin &block);
 
 void note_replaced_matrix(const frame_facts &frame, block_origin &block);
 void note_saturation(const frame_facts &frame, block_origin &block);
+void note_missing_value(const frame_facts &frame, block_origin &block);
 void note_base_set(const frame_facts &frame, block_origin &block);
 void note_fringe_tail(const frame_facts &frame, block_origin &block);
 void note_field_units(const frame_facts &frame, block_origin &block);

@@ -27,7 +27,7 @@ std::string gain_why(const isp_exposure *exposure)
     const float gain = total_gain(*exposure);
     if (std::isinf(gain))
         return "the product of the frame's gains is infinite";
-    return gain >= 65536.0f ? fmt::format("the low 16 bits of {:.0f}", gain) : "";
+    return gain >= gain_modulus ? fmt::format("the low 16 bits of {:.0f}", gain) : "";
 }
 
 // Whether a value lies elsewhere than its row weights tell, for want of bits.

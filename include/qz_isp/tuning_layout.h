@@ -27,6 +27,9 @@
 /** First version of one in which a second table follows that. */
 #define ISP_FRINGE_EXTRA_SINCE 102u
 
+/** Version of a `rec_13` record whose second value counts as 0. */
+#define ISP_REC_13_WITHOUT_SECOND 100u
+
 /** Id of the selection rule record. */
 #define ISP_RULES_ID 709u
 /** Byte of the u32 rule count in the selection rule record. */
@@ -145,7 +148,7 @@ typedef struct isp_rec_3_values {
 
 /** Values of a `rec_13` record, those of blocks 12 and 11. */
 typedef struct isp_rec_13_values {
-    uint16_t value[2]; /**< Copied; version 100 takes the second as 0. */
+    uint16_t value[2]; /**< Copied; see ISP_REC_13_WITHOUT_SECOND. */
 } isp_rec_13_values;
 
 /** Values of a `rec_16` record, for block 20. */
