@@ -101,10 +101,10 @@ named_value find_tuning_value(const value_option &option, std::string_view name,
     size_t offset = kind.start - record_header_size;
     if (kind.has_rows()) {
         const size_t room = record.body.size() < offset ? 0 : (record.body.size() - offset) / kind.size;
-        const auto stated = static_cast<uint64_t>(std::max<int64_t>(0, stated_rows(record).value_or(0)));
-        offset += take_row(option, rest, kind.layout == ISP_LAYOUT_ENTRIES ? "entries" : "rows",
-                           std::min<uint64_t>(stated, room)) *
-                  kind.size;
+        const int64_t stated = std::max<int64_t>(0, stated_rows(record).value_or(0));
+        const uint64_t row = take_row(option, rest, kind.layout == ISP_LAYOUT_ENTRIES ? "entries" : "rows",
+                                      std::min(static_cast<uint64_t>(stated), uint64_t{room}));
+        offset += static_cast<size_t>(row) * kind.size;
     }
     const std::optional<field_part> part = find_part(kind.fields, rest);
     if (!part || part->count != 1) {

@@ -132,7 +132,7 @@ void write_rows(std::deque<sweep_worker> &workers, const row_span &rows, output_
     uint64_t next = rows.first;
     for (uint64_t done = rows.first; done < rows.last; done = std::min(done + chunk_rows, rows.last)) {
         while (next < rows.last && under_way.size() < workers.size()) {
-            sweep_worker &worker = workers[(next - rows.first) / chunk_rows % workers.size()];
+            sweep_worker &worker = workers[static_cast<size_t>((next - rows.first) / chunk_rows % workers.size())];
             const uint64_t end = std::min(next + chunk_rows, rows.last);
             under_way.push_back(
                 std::async(std::launch::async, [&worker, next, end] { return worker.compute(next, end); }));
