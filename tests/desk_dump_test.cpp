@@ -75,7 +75,7 @@ TEST(record_dump, and_makernote_cut_anywhere_are_refused_with_an_offset)
         {0, "offset 0: found the bytes d14d4b4e, expected the tag \"QMKN\" (514d4b4e) of a saved makernote"},
         {4, "offset 4: found version 129, expected version 1"},
         {8, "expected the "},
-        {24, "offset 24: found format 137, expected 1 to 6 or 9"},
+        {24, "offset 24: found format 137, expected one of 1, 2, 3, 4, 5, 6, 9"},
     };
     for (const auto &[at, expected] : damages) {
         byte_buffer damaged = makernote;

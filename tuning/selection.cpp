@@ -57,7 +57,7 @@ void follow_rules(const isp_rule_ref &rules, const isp_geometry *frame, const is
         const size_t index = std::min<size_t>(rule.set_index, sets);
         const double area = areas[std::min<size_t>(rule.kind, 3)];
         const unsigned ops = matching_ops(area, rule.threshold) & ops_left[index];
-        if ((ops >> std::min<unsigned>(rule.op, 8) & 1u) != 0) {
+        if (is_among(rule.op, ops)) {
             ops_left[index] = 0;
             merge(rule.set_index);
         }
@@ -82,7 +82,7 @@ uint32_t tuningselector(uint32_t tuning_mode, const isp_context *context, const 
     const auto merge = [&](int32_t set_index) { qz::merge_tuning_sets(*context, tuning_mode, set_index, *output); };
     if (selection_list != nullptr)
         merge(0);
-    if (rules != nullptr && rules->record != nullptr && rules->first_rule != nullptr && set_count >= 2)
+    if (rules != nullptr && qz::has_rules(*rules, set_count))
         qz::follow_rules(*rules, frame, aux_size, set_count, merge);
     merge(0);
     return ISP_SUCCESS;

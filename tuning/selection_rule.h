@@ -40,9 +40,21 @@ inline unsigned matching_ops(double area, double threshold)
     return ops[(area <= threshold ? 1u : 0u) + (area >= threshold ? 2u : 0u)];
 }
 
+// All ops above 7 as one that never matches.
+inline bool is_among(uint16_t op, unsigned ops)
+{
+    return (ops >> std::min<unsigned>(op, 8) & 1u) != 0;
+}
+
 inline bool matches(const isp_selection_rule &rule, double area)
 {
-    return (matching_ops(area, rule.threshold) >> std::min<unsigned>(rule.op, 8) & 1u) != 0;
+    return is_among(rule.op, matching_ops(area, rule.threshold));
+}
+
+// With a single set index the rules have nothing to choose from.
+constexpr bool has_rules(const isp_rule_ref &rules, int32_t set_count)
+{
+    return rules.record != nullptr && rules.first_rule != nullptr && set_count >= 2;
 }
 
 } // namespace qz

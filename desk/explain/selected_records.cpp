@@ -90,9 +90,8 @@ filed_records::filed_records(const isp_session &session)
 frame_selection::frame_selection(const isp_session &session, const filed_records &filed, const frame_inputs &inputs)
     : filed_(&filed), selected_(session.selection(inputs)), index_0_first_(inputs.selection_list.has_value())
 {
-    // With a single set index the rules have nothing to choose from.
     const isp_context &context = session.context();
-    if (context.rules.first_rule == nullptr || context.set_count < 2)
+    if (!has_rules(context.rules, context.set_count))
         return;
     const auto count = value_at<uint32_t>(context.rules.record, ISP_RULE_COUNT_AT);
     for (size_t i = 0; i < count; ++i)

@@ -3,8 +3,10 @@
 #include <algorithm>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "desk/base/error.h"
+#include "frame/makernote.h"
 #include "qz_isp/makernote_records.h"
 
 namespace qz::desk {
@@ -21,6 +23,18 @@ constexpr element_format formats[] = {{QZ_MKN_I8, "i8", element::i8},    {QZ_MKN
                                       {QZ_MKN_I16, "i16", element::i16}, {QZ_MKN_U16, "u16", element::u16},
                                       {QZ_MKN_I32, "i32", element::i32}, {QZ_MKN_U32, "u32", element::u32},
                                       {QZ_MKN_TEXT, "text", element::u8}};
+
+static_assert(std::ranges::all_of(formats, [](const element_format &each) {
+    return element_size(each.type) == qz::element_size(static_cast<qz_mkn_format>(each.format));
+}));
+
+std::string known_formats()
+{
+    std::vector<uint32_t> numbers;
+    for (const element_format &each : formats)
+        numbers.push_back(each.format);
+    return fmt::format("one of {}", fmt::join(numbers, ", "));
+}
 
 struct named_record {
     uint32_t name;
@@ -83,7 +97,7 @@ class makernote_reader {
         const uint32_t key_size = word(offsetof(qz_mkn_saved_record, key_size));
         const element_format *format = find_format(record.format);
         if (format == nullptr)
-            fail({file_, fmt::format("offset {}", offset_), fmt::format("format {}", record.format), "1 to 6 or 9"});
+            fail({file_, fmt::format("offset {}", offset_), fmt::format("format {}", record.format), known_formats()});
         const uint64_t size = uint64_t{record.count} * element_size(format->type);
         const uint64_t padded = (size + key_size + 3) & ~uint64_t{3};
         expect(sizeof(qz_mkn_saved_record) + padded, fmt::format("record {}", record.name));
