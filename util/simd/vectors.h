@@ -86,7 +86,8 @@ inline constexpr bool has_load_picked = QZ_WIDE_INSTRUCTIONS &&Lanes > 4;
 
 // Lane i from the element that choice i names, of as many as there are lanes.
 template <int Lanes>
-QZ_ALWAYS_INLINE void load_picked(vec<Lanes> &to, const float *from, const int_vec<Lanes> &choice)
+QZ_ALWAYS_INLINE void load_picked([[maybe_unused]] vec<Lanes> &to, const float *from,
+                                  [[maybe_unused]] const int_vec<Lanes> &choice)
 {
     vec<Lanes> loaded;
     load(loaded, from);
