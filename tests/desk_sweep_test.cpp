@@ -121,7 +121,7 @@ TEST(sweep_columns, are_named_as_they_were_asked_for)
 
 TEST(sweep_shards, are_the_whole_in_parts_that_differ_by_a_row)
 {
-    for (const uint64_t rows : {0u, 1u, 7u, 8u, 9u, 4000000000u}) {
+    for (const uint64_t rows : std::initializer_list<uint64_t>{0, 1, 7, 8, 9, uint64_t{1} << 36}) {
         uint64_t end = 0;
         for (int i = 1; i <= 8; ++i) {
             const auto [first, last, leads] = shard_rows(std::to_string(i) + "/8", rows);
