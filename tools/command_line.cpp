@@ -1,210 +1,19 @@
 #include "tools/command_line.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
-#include <functional>
 #include <sstream>
 
 #include <fmt/format.h>
 
 #include "desk/base/one_of.h"
 #include "tools/base/exit_codes.h"
-#include "tools/base/log.h"
 #include "tools/base/output_file.h"
-#include "tools/commands/diff_command.h"
-#include "tools/commands/get_command.h"
-#include "tools/commands/makernote_show_command.h"
-#include "tools/commands/record_show_command.h"
-#include "tools/commands/report_command.h"
-#include "tools/commands/run_command.h"
-#include "tools/commands/sample_command.h"
-#include "tools/commands/sweep_command.h"
-#include "tools/commands/tuning_pack_command.h"
-#include "tools/commands/tuning_show_command.h"
+#include "tools/command_options.h"
 
 namespace qz::tool {
 
 namespace {
-
-// The command that was chosen, with its options.
-using chosen_command = std::function<int()>;
-
-void add_inputs(CLI::App &command, input_files &inputs)
-{
-    command.add_option("--tuning", inputs.tuning, "Tuning container, or its JSON source; else the sample")
-        ->type_name("FILE");
-    command.add_option("--scene", inputs.scene, "JSON file of frame inputs; else the sample")->type_name("FILE");
-}
-
-void add_frame(CLI::App &command, std::optional<std::string> &frame,
-               const std::string &description = "Frame to show: its number from 0, its name, or all")
-{
-    command.add_option("--frame", frame, description)->type_name("FRAME");
-}
-
-void add_settings(CLI::App &command, std::vector<std::string> &settings)
-{
-    command
-        .add_option("--set", settings, "Value for an input of the frame shown, by the names of sweep; may be repeated")
-        ->type_name("NAME=VALUE")
-        ->allow_extra_args(false);
-}
-
-// Options live as long as the program; "chosen" runs the command once all of the line is read.
-template <typename Options>
-void on_choice(CLI::App &command, chosen_command &chosen, const std::shared_ptr<Options> &options,
-               int (*run)(const Options &))
-{
-    CLI::Option *quiet = command.add_flag_callback(
-        "-q,--quiet", [] { show_log(log_shown::nothing); }, "Show nothing of the library's log");
-    command
-        .add_flag_callback(
-            "-v,--verbose", [] { show_log(log_shown::everything); },
-            "Show all of the library's log, its version too; else its errors")
-        ->excludes(quiet);
-    command.callback([&chosen, options, run] { chosen = [options, run] { return run(*options); }; });
-}
-
-void add_run(CLI::App &app, chosen_command &chosen)
-{
-    const auto options = std::make_shared<run_options>();
-    CLI::App *command = app.add_subcommand("run", "Compute the frames of a scene and print the record of the last one");
-    add_inputs(*command, options->inputs);
-    add_frame(*command, options->frame);
-    add_settings(*command, options->settings);
-    CLI::Option *as_json = command->add_flag("--json", options->as_json, "Print everything as JSON");
-    command->add_option("--raw", options->raw, "Write the record's bytes in use instead of printing")
-        ->type_name("FILE")
-        ->excludes(as_json);
-    CLI::Option *makernote =
-        command
-            ->add_option("--makernote", options->makernote,
-                         "Write the makernote of all frames up to the last one instead of printing")
-            ->type_name("FILE")
-            ->excludes("--json")
-            ->excludes("--raw");
-    command->add_flag("--all", options->all, "Print every value of every table")
-        ->excludes("--json")
-        ->excludes("--raw")
-        ->excludes(makernote);
-    command
-        ->add_flag("--explain", options->explain,
-                   "Show where each block's values came from: record, set, rows, strengths, or why defaults")
-        ->excludes("--raw")
-        ->excludes(makernote);
-    command->footer("FILE may be - for standard input or output.\n\n"
-                    "Example: why the first frame of a scene of your own has its values\n"
-                    "  qz-isp run --tuning sensor.vuxb --scene night.json --frame 0 --explain");
-    on_choice(*command, chosen, options, run);
-}
-
-void add_get(CLI::App &app, chosen_command &chosen)
-{
-    const auto options = std::make_shared<get_options>();
-    CLI::App *command = app.add_subcommand("get", "Print values of a frame's record by their names");
-    command->add_option("FIELDS", options->fields, "Names as of sweep --fields, with commas between")->required();
-    add_inputs(*command, options->inputs);
-    add_frame(*command, options->frame, "Frame to take, by number or name; else the last");
-    add_settings(*command, options->settings);
-    command->footer("One value is printed alone; of several, each has its name before it.\n\n"
-                    "Example: the noise reduction at a gain of 8\n"
-                    "  qz-isp get noise_reduction.param0 --set gain=8");
-    on_choice(*command, chosen, options, get);
-}
-
-void add_report(CLI::App &app, chosen_command &chosen)
-{
-    const auto options = std::make_shared<report_options>();
-    CLI::App *command = app.add_subcommand("report", "Write a page that shows a frame's record and tuning as charts");
-    command->add_option("OUT", options->page, "HTML file to write, or -")->required();
-    add_inputs(*command, options->inputs);
-    add_frame(*command, options->frame);
-    add_settings(*command, options->settings);
-    command->footer("Example: all frames of a scene, to choose from in the page\n"
-                    "  qz-isp report night.html --tuning sensor.vuxb --scene night.json --frame all");
-    on_choice(*command, chosen, options, report);
-}
-
-void add_sweep(CLI::App &app, chosen_command &chosen)
-{
-    const auto options = std::make_shared<sweep_options>();
-    CLI::App *command = app.add_subcommand("sweep", "Compute a frame over ranges of its inputs, one row a frame");
-    command
-        ->add_option(
-            "--over", options->choice.over,
-            "NAME=FIRST..LAST:STEP, NAME=FIRST..LAST*FACTOR or NAME=VALUE,VALUE; the last one given runs fastest")
-        ->type_name("RANGE")
-        ->required()
-        ->allow_extra_args(false);
-    command
-        ->add_option("--fields", options->choice.fields,
-                     "Values to print: BLOCK.FIELD, BLOCK.FIELD[INDEX], BLOCK.*, " + desk::whole_column_names())
-        ->type_name("FIELD,...");
-    add_inputs(*command, options->inputs);
-    add_frame(*command, options->choice.frame, "Frame to start from, by number or name; else the last");
-    add_settings(*command, options->choice.settings);
-    command->add_option("--format", options->format, "csv, or jsonl for JSON lines")
-        ->type_name("FORMAT")
-        ->check(CLI::IsMember({"csv", "jsonl"}));
-    command->add_flag("--no-header", options->no_header, "Leave out the line of names");
-    command->add_option("--shard", options->choice.shard, "Compute the rows of part I of N only")->type_name("I/N");
-    command->add_option("--jobs", options->jobs, "Processors to use; else all")
-        ->type_name("N")
-        ->check(CLI::Range(1, 1024));
-    command->add_option("--output", options->output, "Write here instead of standard output")->type_name("FILE");
-    command->footer(
-        "FILE may be - for standard input or output.\n\n"
-        "Example: edge enhancement over gain and sharpness\n"
-        "  qz-isp sweep --over gain=1..16:0.5 --over sharpness=-128..127:32 --fields 'block13.param0,block5.*'");
-    on_choice(*command, chosen, options, sweep);
-}
-
-void add_sample(CLI::App &app, chosen_command &chosen)
-{
-    const auto options = std::make_shared<sample_options>();
-    CLI::App *command = app.add_subcommand("sample", "Write the built-in scene or tuning, to start from");
-    command->add_option("WHAT", options->what, "scene or tuning")
-        ->required()
-        ->check(CLI::IsMember({"scene", "tuning"}));
-    command->add_option("OUT", options->file, "JSON file to write; else standard output");
-    command->footer("Example: a scene of your own\n"
-                    "  qz-isp sample scene night.json\n"
-                    "  qz-isp run --scene night.json");
-    on_choice(*command, chosen, options, write_sample);
-}
-
-void add_tuning_pack(CLI::App &group, chosen_command &chosen)
-{
-    const auto options = std::make_shared<tuning_pack_options>();
-    CLI::App *command = group.add_subcommand("pack", "Write a container from its JSON source");
-    command->add_option("SOURCE", options->source, "JSON source, or -")->required();
-    command->add_option("OUT", options->container, "Container to write, or -")->required();
-    command->footer("Example:\n  qz-isp tuning pack sensor.json sensor.vuxb");
-    on_choice(*command, chosen, options, pack_tuning);
-}
-
-void add_tuning_show(CLI::App &group, chosen_command &chosen)
-{
-    const auto options = std::make_shared<tuning_show_options>();
-    CLI::App *command = group.add_subcommand("show", "List a tuning's records and what is wrong with them");
-    command->add_option("FILE", options->file, "Container, or its JSON source, or -")->required();
-    command->add_flag("--json", options->as_json, "Print the JSON source that packs to the same bytes");
-    command->footer("Exit code 1 when the library refuses the container.\n\n"
-                    "Example:\n  qz-isp tuning show sensor.vuxb");
-    on_choice(*command, chosen, options, show_tuning);
-}
-
-void add_tuning(CLI::App &app, chosen_command &chosen)
-{
-    CLI::App *group = app.add_subcommand("tuning", "Tuning containers and their JSON source");
-    group->require_subcommand(1);
-    group->footer("Example: change a value of a container\n"
-                  "  qz-isp tuning show --json sensor.vuxb > sensor.json\n"
-                  "  qz-isp tuning pack sensor.json sensor.vuxb");
-    add_tuning_pack(*group, chosen);
-    add_tuning_show(*group, chosen);
-}
 
 [[noreturn]] void fail_word(const CLI::App &command, std::string_view found, std::string_view expected)
 {
@@ -222,39 +31,6 @@ const CLI::App *known_command(const CLI::App &group, const std::string &name)
         names.push_back(command->get_name());
     }
     fail_word(group, name.empty() ? "no command" : name, names.empty() ? "nothing more" : desk::one_of(names, name));
-}
-
-// A group with one command, "show", for dumps of one kind.
-template <typename Options>
-void add_dump(CLI::App &app, chosen_command &chosen, const std::string &name, const std::string &what,
-              int (*show)(const Options &), const std::string &example)
-{
-    CLI::App *group = app.add_subcommand(name, "Dumps of " + what);
-    group->require_subcommand(1);
-    group->footer(example);
-    const auto options = std::make_shared<Options>();
-    CLI::App *command = group->add_subcommand("show", "Print a dump of " + what);
-    command->add_option("FILE", options->file, "The dump, or -")->required();
-    CLI::Option *as_json = command->add_flag("--json", options->as_json, "Print everything as JSON");
-    command->add_flag("--all", options->all, "Print every value of every table")->excludes(as_json);
-    command->footer(example);
-    on_choice(*command, chosen, options, show);
-}
-
-void add_diff(CLI::App &app, chosen_command &chosen)
-{
-    const auto options = std::make_shared<diff_options>();
-    CLI::App *command = app.add_subcommand("diff", "Compare two record dumps, two tunings or two scenes");
-    command->add_option("A", options->a, "Dump, container or its JSON source, or scene; or -")->required();
-    command->add_option("B", options->b, "One of the same kind, or -")->required();
-    CLI::Option *as_json = command->add_flag("--json", options->as_json, "Print every difference as JSON");
-    command->add_flag("--all", options->all, "Print every difference of long lists")->excludes(as_json);
-    command->footer("Exit codes: 0 equal, 1 different, 2 error.\n\n"
-                    "Example: what a new tuning changes in the frames of a scene\n"
-                    "  qz-isp run --frame all --scene night.json --tuning old.vuxb --raw old.aic\n"
-                    "  qz-isp run --frame all --scene night.json --tuning new.vuxb --raw new.aic\n"
-                    "  qz-isp diff old.aic new.aic");
-    on_choice(*command, chosen, options, diff);
 }
 
 struct help_options {
@@ -315,19 +91,7 @@ int run_command_line(int argc, char **argv)
     app.set_version_flag("--version", "qz-isp " QZ_ISP_VERSION);
 
     chosen_command chosen;
-    add_run(app, chosen);
-    add_get(app, chosen);
-    add_report(app, chosen);
-    add_sweep(app, chosen);
-    add_tuning(app, chosen);
-    add_sample(app, chosen);
-    add_dump(app, chosen, "record", "hardware records, their bytes in use or whole", show_record,
-             "Example: the records of all frames of the sample\n"
-             "  qz-isp run --frame all --raw - | qz-isp record show -");
-    add_dump(app, chosen, "makernote", "a makernote, as the makernote library saves it", show_makernote,
-             "Example: what the frames of the sample leave in the makernote\n"
-             "  qz-isp run --makernote - | qz-isp makernote show -");
-    add_diff(app, chosen);
+    add_commands(app, chosen);
     add_help(app, chosen);
     if (argc < 2) {
         std::fputs(app.help().c_str(), stderr);

@@ -1,5 +1,3 @@
-#include "tools/commands/diff_command.h"
-
 #include <fmt/format.h>
 
 #include "desk/base/error.h"
@@ -7,6 +5,7 @@
 #include "tools/base/exit_codes.h"
 #include "tools/base/files.h"
 #include "tools/base/output_file.h"
+#include "tools/commands/commands.h"
 
 namespace qz::tool {
 

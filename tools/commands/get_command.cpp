@@ -1,5 +1,3 @@
-#include "tools/commands/get_command.h"
-
 #include <iterator>
 
 #include <fmt/format.h>
@@ -10,6 +8,7 @@
 #include "desk/sweep/columns.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/output_file.h"
+#include "tools/commands/commands.h"
 
 namespace qz::tool {
 

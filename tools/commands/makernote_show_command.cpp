@@ -1,11 +1,10 @@
-#include "tools/commands/makernote_show_command.h"
-
 #include <fmt/format.h>
 
 #include "desk/makernote/to_json.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/files.h"
 #include "tools/base/output_file.h"
+#include "tools/commands/commands.h"
 #include "tools/text/lines.h"
 
 namespace qz::tool {

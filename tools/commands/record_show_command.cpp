@@ -1,9 +1,8 @@
-#include "tools/commands/record_show_command.h"
-
 #include "desk/record/dump.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/files.h"
 #include "tools/base/output_file.h"
+#include "tools/commands/commands.h"
 #include "tools/text/record_text.h"
 
 namespace qz::tool {

@@ -1,5 +1,3 @@
-#include "tools/commands/report_command.h"
-
 #include <nlohmann/json.hpp>
 
 #include "desk/report/data.h"
@@ -7,6 +5,7 @@
 #include "tools/base/exit_codes.h"
 #include "tools/base/output_file.h"
 #include "tools/base/report_page.h"
+#include "tools/commands/commands.h"
 
 namespace qz::tool {
 

@@ -1,11 +1,10 @@
-#include "tools/commands/run_command.h"
-
 #include "desk/makernote/file.h"
 #include "desk/record/dump.h"
 #include "desk/run/session.h"
 #include "desk/run/settings.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/output_file.h"
+#include "tools/commands/commands.h"
 #include "tools/text/record_text.h"
 
 namespace qz::tool {

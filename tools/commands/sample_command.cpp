@@ -1,7 +1,6 @@
-#include "tools/commands/sample_command.h"
-
 #include "tools/base/exit_codes.h"
 #include "tools/base/output_file.h"
+#include "tools/commands/commands.h"
 #include "tools/sample/sample.h"
 
 namespace qz::tool {

@@ -1,5 +1,3 @@
-#include "tools/commands/sweep_command.h"
-
 #include <algorithm>
 #include <charconv>
 #include <cstring>
@@ -15,6 +13,7 @@
 #include "tools/base/exit_codes.h"
 #include "tools/base/output_file.h"
 #include "tools/base/progress.h"
+#include "tools/commands/commands.h"
 
 namespace qz::tool {
 

@@ -1,9 +1,8 @@
-#include "tools/commands/tuning_pack_command.h"
-
 #include "desk/tuning/pack.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/files.h"
 #include "tools/base/output_file.h"
+#include "tools/commands/commands.h"
 
 namespace qz::tool {
 

@@ -1,5 +1,3 @@
-#include "tools/commands/tuning_show_command.h"
-
 #include <cstdio>
 
 #include <fmt/format.h>
@@ -9,6 +7,7 @@
 #include "tools/base/exit_codes.h"
 #include "tools/base/files.h"
 #include "tools/base/output_file.h"
+#include "tools/commands/commands.h"
 #include "tools/text/tuning_text.h"
 
 namespace qz::tool {

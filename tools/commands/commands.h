@@ -1,0 +1,102 @@
+// The commands of qz-isp and what their options choose; each runs in a file of its own and gives the exit code.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "desk/sweep/plan.h"
+#include "tools/base/inputs.h"
+
+namespace qz::tool {
+
+// run: the records of a scene's frames.
+struct run_options {
+    input_files inputs;
+    std::optional<std::string> frame;
+    std::vector<std::string> settings;
+    std::optional<std::string> raw;
+    std::optional<std::string> makernote;
+    bool as_json = false;
+    bool all = false;
+    bool explain = false;
+};
+int run(const run_options &options);
+
+// get: values of one frame's record by their names.
+struct get_options {
+    input_files inputs;
+    std::optional<std::string> frame;
+    std::vector<std::string> settings;
+    std::string fields;
+};
+int get(const get_options &options);
+
+// report: a page of charts.
+struct report_options {
+    input_files inputs;
+    std::optional<std::string> frame;
+    std::vector<std::string> settings;
+    std::string page;
+};
+int report(const report_options &options);
+
+// sweep: a frame over ranges of its inputs, one row a frame.
+struct sweep_options {
+    input_files inputs;
+    desk::sweep_choice choice;
+    std::string format = "csv"; // or "jsonl"
+    bool no_header = false;
+    std::string output = "-";
+    std::optional<uint32_t> jobs; // threads; else as many as there are processors
+};
+int sweep(const sweep_options &options);
+
+// sample: the scene and the tuning that are built into the program, to start from.
+struct sample_options {
+    std::string what; // scene or tuning
+    std::string file = "-";
+};
+int write_sample(const sample_options &options);
+
+// tuning pack: a container from its JSON source.
+struct tuning_pack_options {
+    std::string source;
+    std::string container;
+};
+int pack_tuning(const tuning_pack_options &options);
+
+// tuning show: the records of a container and what is wrong with them.
+struct tuning_show_options {
+    std::string file;
+    bool as_json = false;
+};
+int show_tuning(const tuning_show_options &options);
+
+// record show: the records of a dump.
+struct record_show_options {
+    std::string file;
+    bool as_json = false;
+    bool all = false;
+};
+int show_record(const record_show_options &options);
+
+// makernote show: a saved makernote.
+struct makernote_show_options {
+    std::string file;
+    bool as_json = false;
+    bool all = false;
+};
+int show_makernote(const makernote_show_options &options);
+
+// diff: where two record dumps, tunings or scenes differ.
+struct diff_options {
+    std::string a;
+    std::string b;
+    bool as_json = false;
+    bool all = false;
+};
+int diff(const diff_options &options);
+
+} // namespace qz::tool
