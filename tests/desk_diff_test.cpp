@@ -1,7 +1,10 @@
 // What differs between two files.
+#include <memory>
+
 #include <gtest/gtest.h>
 
 #include "desk/diff/differences.h"
+#include "desk/makernote/file.h"
 #include "desk/record/dump.h"
 #include "tests/desk_suite.h"
 
@@ -9,11 +12,12 @@ using namespace qz::desk;
 
 namespace {
 
-std::string differences(const byte_buffer &a, const byte_buffer &b)
+std::string differences(const byte_buffer &a, const byte_buffer &b, const std::vector<std::string> &settings = {})
 {
     std::string text;
-    for (const part_difference &part : compare_files(read_compared("a", a), read_compared("b", b))) {
-        text += part.part + (part.only_in.empty() ? "" : " only in " + std::string(part.only_in)) + ":";
+    for (const part_difference &part : compare_files(read_compared("a", a), read_compared("b", b, settings))) {
+        text += part.part + (part.title.empty() ? "" : " (" + part.title + ")");
+        text += (part.only_in.empty() ? "" : " only in " + std::string(part.only_in)) + ":";
         for (const difference &each : part.values)
             text += " " + each.field + each.index + " " + each.a.value_or("-") + ">" + each.b.value_or("-");
         text += "\n";
@@ -63,6 +67,9 @@ TEST(diff, tells_every_value_at_its_place)
         {scene_of("{}"), scene_of(R"({"name": "a\n", "aux_size": {"height": 7}, "effects": ["macc_2"]})"),
          "frame 0: name \"\">\"a\\n\" effects 0>2 aux_size.unused[0] ->0 aux_size.unused[1] ->0 aux_size.width ->0 "
          "aux_size.height ->7\n"},
+        // A frame is called by its name where both scenes have the same.
+        {scene_of(R"({"name": "day"}, {"name": "dusk"})"), scene_of(R"({"name": "day", "hue": 1}, {"name": "dawn", "hue": 0})"),
+         "frame 0 (day): hue 0>1\nframe 1: name \"dusk\">\"dawn\"\n"},
         {scene_of(R"({"gamma": {"curve": [null, [0, 1], null]}, "selection_list": [7]})"),
          scene_of(R"({"gamma": {"curve": [null, [0, 0.5], null]}, "selection_list": [8]})"),
          "frame 0: gamma.curve[1][1] 1>0.5 selection_list[0] 7>8\n"},
@@ -79,6 +86,42 @@ TEST(diff, tells_every_value_at_its_place)
     EXPECT_EQ(differences(pack_container("a", tuning(one)), bytes_of(tuning(one))), "");
     EXPECT_EQ(error_of([&] { differences(bytes_of(tuning(one)), bytes_of(scene_of("{}"))); }),
               "b: found a scene, expected a tuning as in a");
+}
+
+TEST(diff, gives_values_to_the_second_file)
+{
+    const std::string xnr = tuning(R"({"slot": "xnr", "family": 320, "set": 1, "rows": [[256, 1], [512, 2]]})");
+    for (const byte_buffer &file : {bytes_of(xnr), pack_container("a", xnr)})
+        EXPECT_EQ(differences(file, file, {"tuning:xnr.rows[1].param=7", "tuning:xnr.rows[0].key=3"}),
+                  "set index 0, set 1, xnr: rows[0][0] 256>3 rows[1][1] 2>7\n");
+    const byte_buffer scene = bytes_of(scene_of(R"({"hue": 3}, {"hue": 0}, {"hue": 4})"));
+    EXPECT_EQ(differences(scene, scene, {"hue=3"}), "frame 1: hue 0>3\nframe 2: hue 4>3\n");
+}
+
+TEST(diff, tells_makernotes_frame_by_frame)
+{
+    const std::unique_ptr<qz_mkn, void (*)(qz_mkn *)> note(qz_mkn_create(), qz_mkn_destroy);
+    sample_records(note.get());
+    const byte_buffer a = save_makernote(note.get());
+    const int32_t extra[] = {-5, 6};
+    qz_mkn_add_record(note.get(), QZ_MKN_I32, 7, extra, 2, "key");
+    byte_buffer b = save_makernote(note.get());
+    EXPECT_EQ(differences(a, b),
+              "frame 3, record 7 only in B: format ->\"i32\" key ->\"key\" value[0] ->-5 value[1] ->6\n");
+
+    b = a;
+    b[b.size() - 16] ^= 1; // the frame's geometry ends with eight 16-bit numbers
+    EXPECT_TRUE(differences(a, b).starts_with("frame 3, record 544 frame geometry: value[0] "));
+    b = a;
+    b[sizeof(qz_mkn_saved_header) + sizeof(qz_mkn_saved_record)] = 'q';
+    EXPECT_EQ(differences(a, b), "start, record 538 version: text \"QZ_ISP 2.6.1 v2.0_012.000_002\">"
+                                 "\"qZ_ISP 2.6.1 v2.0_012.000_002\"\n");
+    b = a;
+    b[offsetof(qz_mkn_saved_header, dropped)] = 1;
+    EXPECT_EQ(differences(a, b), "makernote: dropped 0>1\n");
+    b = a;
+    b[offsetof(qz_mkn_saved_header, unused)] = 1;
+    EXPECT_EQ(differences(a, b), "bytes without a name: byte[16] 0>1\n");
 }
 
 TEST(diff, compares_records_to_the_last_byte)

@@ -75,6 +75,9 @@ TEST_F(program, reports_errors_with_exit_codes)
     write("name.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "row": []}]})");
     write("family.json", R"({"records": [{"slot": "xnr", "family": 768, "set": 0, "rows": []}]})");
     write("cut.json", R"({"records": [{"slot": "rec_3", "family": 320, "set": 0, "bytes": "0102"}]})");
+    write("bare.json", R"({"frames": [{}]})");
+    write("empty.json", R"({"records": []})");
+    write("note", std::string("QMKN\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0", 24));
     write("nested.json", R"({"records": [{"set_index": 1, "records": [{"slot": "zoom"}]}]})");
     const std::tuple<const char *, int, const char *> cases[] = {
         {"", 2, "\n  run "},
@@ -115,11 +118,16 @@ TEST_F(program, reports_errors_with_exit_codes)
         {"tuning pack - x < other", 1, "qz-isp: standard input: line 1, column 1: syntax error"},
         {"run --raw /dev/full", 1, "qz-isp: /dev/full: cannot be written: No space left"},
         {"run --scene .", 1, "qz-isp: .: cannot be read: Is a directory"},
-        // 1 is an answer of diff, so that every error gives 2.
         {"diff - -", 2, "qz-isp: found standard input for both files, expected it for one"},
-        {"diff scene.json", 2, "B is required"},
-        {"diff rows.json absent", 2, "qz-isp: rows.json: records[0].rows[0][1]: found 70000"},
-        {"diff scene.json other", 2, "qz-isp: scene.json: frames[1].hue"},
+        {"diff scene.json", 2, "found one file, expected two, or --set"},
+        {"diff bare.json absent", 1, "qz-isp: absent: cannot be opened"},
+        {"diff rows.json absent", 1, "qz-isp: rows.json: records[0].rows[0][1]: found 70000"},
+        {"diff scene.json other", 1, "qz-isp: scene.json: frames[1].hue"},
+        {"diff bare.json --set hue=200", 2, "qz-isp: --set hue=200: found \"200\", expected an integer from -128"},
+        {"diff bare.json --set tuning:xnr.param=1", 2, "found a value of a tuning, expected an input, for a scene"},
+        {"diff empty.json --set hue=1", 2, "found the name \"hue\", expected one that begins with tuning:"},
+        {"diff note --set hue=1", 2, "qz-isp: --set hue=1: found note, a makernote, expected a tuning or a scene"},
+        {"diff note bare.json", 1, "qz-isp: bare.json: found a scene, expected a makernote as in note"},
         {"sweep", 2, "--over is required"},
         {"sweep --over gain", 2, "qz-isp: --over gain: found no \"=\""},
         {"sweep --over gain=1 --fields x", 2, "qz-isp: --fields \"x\": found the block \"x\""},
@@ -179,14 +187,20 @@ TEST(report_page, that_is_not_there_is_asked_for)
 TEST_F(program, diff_answers_with_its_exit_code)
 {
     write("a.json", R"({"frames": [{}]})");
-    write("b.json", R"({"frames": [{"hue": 1, "colour": {"ccm": [9, 8, 7, 6, 5, 4, 3, 2, 1]}}, {}]})");
+    write("b.json", R"({"frames": [{"hue": 1, "colour": {"ccm": [9, 8, 7, 6, 5, 4, 3, 2, 1]}}, {"name": "late"}]})");
     const result found = run("diff a.json - < b.json");
     EXPECT_EQ(found.code, 1) << found.err;
     EXPECT_EQ(found.out.substr(0, 48), "frame 0\n  hue                          0 -> 1\n  ");
     EXPECT_TRUE(contains(found.out, "  ... 1 more of colour.ccm, --all shows them\n"));
-    EXPECT_TRUE(contains(found.out, "frame 1: only in B\n"));
+    EXPECT_TRUE(contains(found.out, "frame 1 (late): only in B\n"));
     EXPECT_TRUE(contains(run("diff --all a.json b.json").out, "colour.ccm[8]                nothing -> 1\n"));
+    EXPECT_TRUE(contains(found.out, "\n62 differences in 2 of 3 parts\n")) << found.out;
     EXPECT_EQ(run("diff a.json a.json").out, "no difference in 2 parts\n");
+    EXPECT_EQ(run("diff a.json --set gain=2 --set hue=0").out,
+              "frame 0\n"
+              "  exposure.unused              nothing -> 0\n"
+              "  exposure.analog_gain         nothing -> 2\n"
+              "  exposure.digital_gain        nothing -> 1\n3 differences in 1 of 2 parts\n");
     EXPECT_EQ(run("diff a.json a.json").code, 0);
     EXPECT_EQ(json::parse(run("diff --json a.json a.json").out), json::parse(R"({"equal": true, "differences": []})"));
 }

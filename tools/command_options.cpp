@@ -205,16 +205,20 @@ void add_dump(CLI::App &app, chosen_command &chosen, const std::string &name, co
 void add_diff(CLI::App &app, chosen_command &chosen)
 {
     const auto options = std::make_shared<diff_options>();
-    CLI::App *command = app.add_subcommand("diff", "Compare two record dumps, two tunings or two scenes");
-    command->add_option("A", options->a, "Dump, container or its JSON source, or scene; or -")->required();
-    command->add_option("B", options->b, "One of the same kind, or -")->required();
+    CLI::App *command = app.add_subcommand("diff", "Compare two record dumps, makernotes, tunings or scenes");
+    command->add_option("A", options->a, "Dump of records, makernote, container or its JSON source, or scene; or -")
+        ->required();
+    command->add_option("B", options->b, "One of the same kind, or -; else A, with what --set changes");
     CLI::Option *as_json = command->add_flag("--json", options->as_json, "Print every difference as JSON");
     command->add_flag("--all", options->all, "Print every difference of long lists")->excludes(as_json);
-    command->footer("Exit codes: 0 equal, 1 different, 2 error.\n\n"
-                    "Example: what a new tuning changes in the frames of a scene\n"
-                    "  qz-isp run --frame all --scene night.json --tuning old.vuxb --raw old.aic\n"
-                    "  qz-isp run --frame all --scene night.json --tuning new.vuxb --raw new.aic\n"
-                    "  qz-isp diff old.aic new.aic");
+    command
+        ->add_option("--set", options->settings,
+                     "Value for B by the names of sweep: a tuning's, or an input of all frames; may be repeated")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+    command->footer("Exit codes: 0 equal, 1 different or a file is wrong, 2 wrong use of the command line.\n\n"
+                    "Example: what a new container has otherwise than its source\n"
+                    "  qz-isp diff sensor.json sensor.vuxb");
     on_choice(*command, chosen, options, diff);
 }
 

@@ -50,6 +50,7 @@ _qz_isp()
     'record '* | 'makernote '* | 'diff '*)
         files=yes
         words='--json --all'
+        [ "${COMP_WORDS[1]}" = diff ] && words+=' --set'
         ;;
     'tuning '*)
         files=yes

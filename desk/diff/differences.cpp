@@ -52,16 +52,17 @@ std::vector<part_difference> compare_parts(const std::vector<file_part> &a, cons
     for (const file_part &part : a) {
         const auto other = in_b.find(part.name);
         if (other == in_b.end()) {
-            differences.push_back({part.name, "A", compare_values(part, {})});
+            differences.push_back({part.name, "A", compare_values(part, {}), part.title});
             continue;
         }
         if (std::vector<difference> values = compare_values(part, *other->second); !values.empty())
-            differences.push_back({part.name, "", std::move(values)});
+            differences.push_back(
+                {part.name, "", std::move(values), part.title == other->second->title ? part.title : ""});
         in_b.erase(other);
     }
     for (const file_part &part : b) {
         if (in_b.contains(part.name))
-            differences.push_back({part.name, "B", compare_values({}, part)});
+            differences.push_back({part.name, "B", compare_values({}, part), part.title});
     }
     return differences;
 }

@@ -22,6 +22,7 @@ struct part_difference {
     std::string part;
     std::string_view only_in; // the file that alone has the part, or empty
     std::vector<difference> values;
+    std::string title = {}; // that every file with the part gives it, or empty
 };
 
 // Parts in the order of a, then those that b alone has; empty when not a byte differs. Fails for files of two kinds.

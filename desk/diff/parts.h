@@ -16,6 +16,7 @@ struct placed_value {
 struct file_part {
     std::string name;
     std::vector<placed_value> values;
+    std::string title = {}; // that the file itself gives the part, or empty
 };
 
 } // namespace qz::desk

@@ -51,7 +51,7 @@ void add_number(std::string_view field, uint64_t number, file_part &part)
 
 file_part frame_part(const frame_inputs &frame, size_t index)
 {
-    file_part part = {fmt::format("frame {}", index), {}};
+    file_part part = {fmt::format("frame {}", index), {}, frame.name};
     part.values.push_back({"name", "", json(frame.name).dump()});
     for (const input_group &group : input_groups()) {
         if (const void *record = group.find(frame))

@@ -59,7 +59,7 @@ class makernote_reader {
     {
         constexpr size_t version_at = offsetof(qz_mkn_saved_header, version);
         expect(sizeof(qz_mkn_saved_header), "the header");
-        if (word(0) != QZ_MKN_SAVED_TAG)
+        if (!is_makernote(bytes_))
             fail({file_, "offset 0", fmt::format("the bytes {}", hex_text(bytes_.first(4))),
                   "the tag \"QMKN\" (514d4b4e) of a saved makernote"});
         if (word(version_at) != QZ_MKN_SAVED_VERSION)
@@ -130,6 +130,11 @@ byte_buffer save_makernote(const qz_mkn *makernote)
     byte_buffer bytes(qz_mkn_saved_size(makernote));
     qz_mkn_save(makernote, bytes.data());
     return bytes;
+}
+
+bool is_makernote(byte_view bytes)
+{
+    return bytes.size() >= sizeof(uint32_t) && read_le<uint32_t>(bytes, 0) == QZ_MKN_SAVED_TAG;
 }
 
 saved_makernote read_makernote(const std::string &file, byte_view bytes)

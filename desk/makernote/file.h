@@ -30,6 +30,9 @@ struct saved_makernote {
 
 byte_buffer save_makernote(const qz_mkn *makernote);
 
+// True when the bytes begin as a saved makernote does.
+bool is_makernote(byte_view bytes);
+
 // Fails with the offset of what is wrong. The views point into the bytes.
 saved_makernote read_makernote(const std::string &file, byte_view bytes);
 

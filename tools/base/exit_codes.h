@@ -6,7 +6,7 @@
 namespace qz::tool {
 
 constexpr int exit_success = 0;
-constexpr int exit_failure = 1; // a file or its contents are wrong
+constexpr int exit_failure = 1; // a file or its contents are wrong, or the answer is no
 constexpr int exit_usage = 2;
 constexpr int exit_closed_pipe = 141; // what a shell reports of a program that SIGPIPE ended
 

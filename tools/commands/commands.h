@@ -90,10 +90,11 @@ struct makernote_show_options {
 };
 int show_makernote(const makernote_show_options &options);
 
-// diff: where two record dumps, tunings or scenes differ.
+// diff: where two record dumps, makernotes, tunings or scenes differ.
 struct diff_options {
     std::string a;
-    std::string b;
+    std::optional<std::string> b;      // else A
+    std::vector<std::string> settings; // of B
     bool as_json = false;
     bool all = false;
 };

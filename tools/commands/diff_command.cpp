@@ -1,6 +1,5 @@
 #include <fmt/format.h>
 
-#include "desk/base/error.h"
 #include "desk/diff/differences.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/files.h"
@@ -13,7 +12,6 @@ using namespace desk;
 
 namespace {
 
-constexpr int exit_different = 1;
 // Differing elements of one list that are printed without --all.
 constexpr size_t short_list = 8;
 
@@ -41,51 +39,46 @@ std::string plural(size_t count, std::string_view noun)
     return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
 }
 
-std::string differences_text(const std::vector<part_difference> &differences, size_t part_count, bool all)
+// parts: of A.
+std::string differences_text(const std::vector<part_difference> &differences, size_t parts, bool all)
 {
     std::string text;
     size_t count = 0;
     for (const part_difference &part : differences) {
-        text += part.part + (part.only_in.empty() ? "\n" : fmt::format(": only in {}\n", part.only_in));
+        text += part.part + (part.title.empty() ? "" : fmt::format(" ({})", part.title));
+        text += part.only_in.empty() ? "\n" : fmt::format(": only in {}\n", part.only_in);
         if (part.only_in.empty())
             print_values(text, part, all);
         count += part.values.size();
+        parts += part.only_in == "B";
     }
     if (differences.empty())
-        return fmt::format("no difference in {}\n", plural(part_count, "part"));
+        return fmt::format("no difference in {}\n", plural(parts, "part"));
     return text +
-           fmt::format("{} in {} of {}\n", plural(count, "difference"), differences.size(), plural(part_count, "part"));
+           fmt::format("{} in {} of {}\n", plural(count, "difference"), differences.size(), plural(parts, "part"));
 }
 
-compared_file read(const std::string &file)
+void expect_two_files(const diff_options &options)
 {
-    return read_compared(input_name(file), read_file(file));
-}
-
-int compare(const diff_options &options)
-{
+    if (!options.b && options.settings.empty())
+        throw usage_error("diff: found one file, expected two, or --set for what differs in it");
     if (options.a == "-" && options.b == "-")
         throw usage_error("found standard input for both files, expected it for one");
-    const compared_file a = read(options.a);
-    const compared_file b = read(options.b);
-    const std::vector<part_difference> differences = compare_files(a, b);
-    write_text("-", options.as_json ? differences_json(differences)
-                                    : differences_text(differences, a.parts.size(), options.all));
-    return differences.empty() ? exit_success : exit_different;
 }
 
 } // namespace
 
 int diff(const diff_options &options)
 {
-    // 1 is an answer here, so that every error gives 2.
-    try {
-        return compare(options);
-    } catch (const error &wrong) {
-        throw usage_error(error_text(wrong));
-    } catch (const std::exception &error) {
-        throw usage_error(error.what());
-    }
+    expect_two_files(options);
+    const byte_buffer bytes = read_file(options.a);
+    const compared_file a = read_compared(input_name(options.a), bytes);
+    const compared_file b = read_compared(input_name(options.b.value_or(options.a)),
+                                          options.b ? read_file(*options.b) : bytes, options.settings);
+    const std::vector<part_difference> differences = compare_files(a, b);
+    write_text("-", options.as_json ? differences_json(differences)
+                                    : differences_text(differences, a.parts.size(), options.all));
+    return differences.empty() ? exit_success : exit_failure;
 }
 
 } // namespace qz::tool
