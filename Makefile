@@ -4,12 +4,13 @@ JOBS ?= $(shell nproc)
 FUZZ_SECONDS ?= 60
 TEST_PRESETS := native x86 asan
 SOURCES = $(shell git ls-files '*.c' '*.cpp' '*.h')
-# What ships or is installed.
-TIDY_SOURCES = $(shell git ls-files '*.c' '*.cpp' ':!tests' ':!bench' ':!fuzz' ':!docs')
+# What ships or is installed, and is of the native build.
+TIDY_SOURCES = $(shell git ls-files '*.c' '*.cpp' ':!tests' ':!bench' ':!fuzz' ':!docs' ':!page')
 INSTALL_DEPS ?= scripts/install-deps.sh
 
 .PHONY: help run test $(addprefix test-,$(TEST_PRESETS)) test-tsan check check-format check-tidy check-cppcheck format bench \
-	bench-device fuzz determinism verify-powers coverage docs package abi digests pictures report-bundle test-report clean
+	bench-device fuzz determinism verify-powers coverage docs package abi digests pictures report-bundle test-report \
+	test-module clean
 
 help:
 	@echo 'make run       install what is missing, build, and print the record of a sample frame'
@@ -26,6 +27,7 @@ help:
 	@echo 'make package   Debian packages of the 64-bit and the 32-bit library, in build/packages'
 	@echo 'make report-bundle  the page of qz-isp report for the builds that follow; installs node and npm'
 	@echo 'make test-report  the page of qz-isp report in headless Chromium'
+	@echo 'make test-module  the library and the desk as WebAssembly, beside the program'
 	@echo 'make digests   write down changed records and makernotes, see CONTRIBUTING.md'
 	@echo 'make abi       write down a changed binary interface, see CONTRIBUTING.md'
 
@@ -166,6 +168,15 @@ test-report: report-bundle
 	cp tests/report/package.json tests/report/package-lock.json build/report-test
 	cd build/report-test && npm ci --ignore-scripts --no-audit --no-fund --loglevel=error && \
 		PROGRAM=../native/qz-isp node --test ../../tests/report/page_test.mjs
+
+# The library and the desk as a WebAssembly module, beside the program.
+test-module:
+	$(INSTALL_DEPS) module
+	cmake --preset wasm
+	cmake --build --preset wasm --parallel $(JOBS)
+	cmake --preset native > /dev/null
+	cmake --build --preset native --target qz-isp --parallel $(JOBS)
+	MODULE=build/wasm/qz-isp-module.wasm PROGRAM=build/native/qz-isp node --test tests/module/module_test.mjs
 
 # docs/record-layout.svg, from the record's list of blocks.
 pictures:

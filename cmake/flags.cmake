@@ -13,13 +13,15 @@ if(NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
 endif()
 
-# Position-independent programs too, not only libraries.
-set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-include(CheckPIESupported)
-check_pie_supported()
-
-add_compile_options(-fstack-protector-strong)
-add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack)
+# A WebAssembly module has no addresses to vary, and can write neither to its code nor outside its memory.
+if(NOT QZ_ISP_MODULE)
+  # Position-independent programs too, not only libraries.
+  set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+  include(CheckPIESupported)
+  check_pie_supported()
+  add_compile_options(-fstack-protector-strong)
+  add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack,--enable-new-dtags)
+endif()
 if(QZ_ISP_SANITIZE)
   add_compile_options(-O1 -g1 -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_compile_options(-fsanitize=${QZ_ISP_SANITIZE})
@@ -31,7 +33,6 @@ endif()
 
 # What is built finds its libraries wherever the build tree lies; LD_LIBRARY_PATH can still put others first.
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
-add_link_options(-Wl,--enable-new-dtags)
 
 add_library(qz_isp_warnings INTERFACE)
 target_compile_options(qz_isp_warnings INTERFACE -Wall -Wextra -Wconversion -Wshadow)
@@ -42,8 +43,10 @@ add_library(qz_isp_library_flags INTERFACE)
 target_link_libraries(qz_isp_library_flags INTERFACE qz_isp_warnings)
 target_compile_options(qz_isp_library_flags INTERFACE -ffp-contract=off -fno-math-errno -fno-trapping-math
                                                       $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti>)
-target_link_options(qz_isp_library_flags INTERFACE -Wl,--as-needed)
-if(NOT QZ_ISP_SANITIZE)
+if(NOT QZ_ISP_MODULE)
+  target_link_options(qz_isp_library_flags INTERFACE -Wl,--as-needed)
+endif()
+if(NOT QZ_ISP_SANITIZE AND NOT QZ_ISP_MODULE)
   target_link_options(qz_isp_library_flags INTERFACE -Wl,--no-undefined,-z,text)
 endif()
 

@@ -2,7 +2,8 @@
 # Installs the Debian packages of one or more groups, and only those that are missing. Where it cannot, it says which
 # packages are needed.
 #
-#   scripts/install-deps.sh GROUP...     groups: run test check bench device fuzz determinism verify coverage docs package node report
+#   scripts/install-deps.sh GROUP...     groups: run test check bench device fuzz determinism verify coverage docs package
+#                                                node report module
 set -euo pipefail
 
 run="g++ make cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev"
@@ -19,8 +20,9 @@ docs="doxygen make"
 node=""
 type -P node npm > /dev/null || node="nodejs npm" # they may also come from elsewhere
 report="$run $node chromium"
+module="$run $node clang-19 lld-19 wasi-libc libc++-19-dev-wasm32 libc++abi-19-dev-wasm32 libclang-rt-19-dev-wasm32"
 package="$test dpkg-dev"
-all_groups="run test check bench device fuzz determinism verify coverage docs package node report"
+all_groups="run test check bench device fuzz determinism verify coverage docs package node report module"
 
 for group in "$@"; do
     if [[ " $all_groups " != *" $group "* ]]; then

@@ -2,6 +2,12 @@
 
 #include <charconv>
 
+#ifndef __cpp_lib_to_chars
+#include <cerrno>
+#include <cstdlib>
+#include <string>
+#endif
+
 namespace qz::desk {
 
 namespace {
@@ -19,7 +25,20 @@ std::optional<Number> all_of(std::string_view text)
 
 std::optional<double> number_of(std::string_view text)
 {
+#ifdef __cpp_lib_to_chars
     return all_of<double>(text);
+#else
+    // A C library without other locales. It takes more than the decimal numbers that std::from_chars() does.
+    const std::string ended(text);
+    const size_t first = ended.starts_with('-') ? 1 : 0;
+    if (ended.find_first_of(".0123456789infINF", first) != first || ended.find_first_of("xX") != std::string::npos)
+        return std::nullopt;
+    char *stop = nullptr;
+    errno = 0;
+    const double number = std::strtod(ended.c_str(), &stop);
+    const bool all = stop == ended.data() + ended.size();
+    return all && errno == 0 ? std::optional(number) : std::nullopt;
+#endif
 }
 
 std::optional<uint64_t> whole_number_of(std::string_view text)

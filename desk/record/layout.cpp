@@ -165,14 +165,14 @@ shading_table shading_channel(const record_snapshot &snapshot, size_t channel)
 {
     const aic_lens_shading &shading = snapshot.record.lens_shading.payload;
     const size_t columns = shading.columns;
-    const size_t rows = shading.rows;
-    if (columns > AIC_LENS_SHADING_MAX_ENTRIES || rows > AIC_LENS_SHADING_MAX_ENTRIES ||
-        columns * rows > AIC_LENS_SHADING_MAX_ENTRIES)
+    const size_t row_count = shading.rows;
+    if (columns > AIC_LENS_SHADING_MAX_ENTRIES || row_count > AIC_LENS_SHADING_MAX_ENTRIES ||
+        columns * row_count > AIC_LENS_SHADING_MAX_ENTRIES)
         return {};
     const std::span held = std::span(shading.entries).first(held_entries(snapshot));
-    const size_t count = columns * rows;
+    const size_t count = columns * row_count;
     const size_t start = std::min(channel * count, held.size());
-    return {held.subspan(start, std::min(count, held.size() - start)), columns, rows};
+    return {held.subspan(start, std::min(count, held.size() - start)), columns, row_count};
 }
 
 } // namespace qz::desk

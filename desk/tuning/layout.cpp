@@ -120,9 +120,10 @@ std::optional<record_place> find_place(uint16_t id)
         if (id < group.first || id >= group.first + ISP_TUNING_GROUP_IDS)
             continue;
         const auto offset = static_cast<uint8_t>(id - group.first);
-        const auto *const kind = std::ranges::find_if(
-            kinds, [&](const record_kind &each) { return offset != 0 && offset_in(each, group.family) == offset; });
-        return record_place{group.family, group.set, offset, kind == kinds.end() ? nullptr : kind};
+        const auto kind = std::ranges::find_if(record_kinds(), [&](const record_kind &each) {
+            return offset != 0 && offset_in(each, group.family) == offset;
+        });
+        return record_place{group.family, group.set, offset, kind == record_kinds().end() ? nullptr : &*kind};
     }
     return std::nullopt;
 }
@@ -132,8 +133,8 @@ std::optional<uint16_t> id_of(const record_kind &kind, uint16_t family, uint8_t 
     const uint8_t offset = offset_in(kind, family);
     if (offset == 0)
         return std::nullopt;
-    const auto *const group =
-        std::ranges::find_if(groups, [&](const id_group &each) { return each.family == family && each.set == set; });
+    const auto group = std::ranges::find_if(
+        std::span(groups), [&](const id_group &each) { return each.family == family && each.set == set; });
     return static_cast<uint16_t>(group->first + offset);
 }
 

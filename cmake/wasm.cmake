@@ -1,0 +1,10 @@
+# WebAssembly with Debian's clang 19 and WASI packages: the 32-bit contract, everything static, no exceptions.
+set(CMAKE_SYSTEM_NAME Generic)
+set(CMAKE_SYSTEM_PROCESSOR wasm32)
+set(CMAKE_C_COMPILER clang-19)
+set(CMAKE_CXX_COMPILER clang++-19)
+set(CMAKE_C_COMPILER_TARGET wasm32-wasi)
+set(CMAKE_CXX_COMPILER_TARGET wasm32-wasi)
+set(CMAKE_C_FLAGS_INIT -msimd128)
+set(CMAKE_CXX_FLAGS_INIT "-msimd128 -fno-exceptions -fno-rtti")
+set(CMAKE_EXE_LINKER_FLAGS_INIT -mexec-model=reactor)
