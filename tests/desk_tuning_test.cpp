@@ -4,11 +4,13 @@
 #include <random>
 #include <string>
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "desk/base/json_node.h"
 #include "desk/tuning/pack.h"
 #include "desk/tuning/to_json.h"
+#include "desk/tuning/verdict.h"
 #include "tests/desk_suite.h"
 
 using namespace qz::desk;
@@ -195,6 +197,25 @@ TEST_P(tuning_problem_case, names_offset_id_and_reason)
 
 INSTANTIATE_TEST_SUITE_P(all, tuning_problem_case, testing::ValuesIn(problem_cases),
                          [](const auto &each) { return std::string(each.param.name); });
+
+// Whatever the nesting, what the library refuses has an error, and nothing else has.
+TEST(tuning_source, deep_errors_are_the_librarys)
+{
+    for (const auto &[innermost, verdict] : {std::pair("0a000000640053010000", 8u),
+                                             {"07000000640046010000", 8u},
+                                             {"1f000000640001fc5655584200000000000000000000000000000000000000", 8u},
+                                             {"0e0000006400cf010100ffff2800", 0u}}) {
+        for (const unsigned depth : {0u, 63u, 64u, 65u, 300u}) {
+            std::string records = innermost;
+            for (unsigned i = 0; i < depth; ++i)
+                records = fmt::format("{:08x}", __builtin_bswap32(static_cast<uint32_t>(records.size() / 2 + 8))) +
+                          "640001fc" + records;
+            const byte_buffer bytes = container_of(records);
+            EXPECT_EQ(library_verdict(bytes), verdict) << depth;
+            EXPECT_EQ(read_container("test", bytes).has_errors(), verdict != 0) << innermost << " " << depth;
+        }
+    }
+}
 
 TEST(tuning_source, dropped_and_skipped_records_are_no_problem)
 {

@@ -53,16 +53,22 @@ TEST_F(program, shows_what_is_wrong_with_a_container)
     write("good.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "rows": []},
                                        {"slot": "xnr", "family": 320, "set": 0, "rows": [[1, 2]]},
                                        {"id": 339, "bytes": ""}, {"id": 700, "bytes": "00"}]})");
-    ASSERT_EQ(run("tuning pack good.json bad.vuxb").code, 0);
+    const std::string why = "offset 48, id 339: found id offset 19 of the 320 family, expected 1 to 18 or 20\n";
+    const std::string verdict =
+        "the library refuses it with status 8: a malformed record, or one that no container may have\n";
+    const result packed = run("tuning pack good.json bad.vuxb");
+    EXPECT_EQ(packed.code, 1);
+    EXPECT_EQ(packed.err, "qz-isp: good.json: " + verdict + "qz-isp: good.json: " + why);
+    EXPECT_FALSE(std::filesystem::exists(path("bad.vuxb")));
+    ASSERT_EQ(run("tuning pack --force good.json bad.vuxb").code, 0);
     const result shown = run("tuning show bad.vuxb");
     EXPECT_EQ(shown.code, 1);
     EXPECT_TRUE(contains(shown.out, "replaced by the one at 34"));
     EXPECT_TRUE(contains(shown.out, "skipped"));
-    EXPECT_EQ(shown.err,
-              "qz-isp: bad.vuxb: offset 48, id 339: found id offset 19 of the 320 family, expected 1 to 18 or 20\n");
+    EXPECT_EQ(shown.err, "qz-isp: bad.vuxb: " + why + "qz-isp: bad.vuxb: " + verdict);
     const result used = run("run --tuning bad.vuxb");
     EXPECT_EQ(used.code, 1);
-    EXPECT_EQ(used.err, shown.err);
+    EXPECT_EQ(used.err, "qz-isp: bad.vuxb: " + why);
     EXPECT_EQ(used.out, "");
 }
 

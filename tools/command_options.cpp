@@ -159,7 +159,9 @@ void add_tuning_pack(CLI::App &group, chosen_command &chosen)
     CLI::App *command = group.add_subcommand("pack", "Write a container from its JSON source");
     command->add_option("SOURCE", options->source, "JSON source, or -")->required();
     command->add_option("OUT", options->container, "Container to write, or -")->required();
-    command->footer("Example:\n  qz-isp tuning pack sensor.json sensor.vuxb");
+    command->add_flag("--force", options->force, "Write a container that the library refuses too");
+    command->footer("Exit code 1 when the library refuses the container.\n\n"
+                    "Example:\n  qz-isp tuning pack sensor.json sensor.vuxb");
     on_choice(*command, chosen, options, pack_tuning);
 }
 

@@ -54,7 +54,10 @@ _qz_isp()
         ;;
     'tuning '*)
         files=yes
-        [ "${COMP_WORDS[2]}" = show ] && words=--json
+        case ${COMP_WORDS[2]} in
+        pack) words=--force ;;
+        show) words=--json ;;
+        esac
         ;;
     esac
     [[ $current == -* || -z $files ]] && words+=' --help --quiet --verbose'

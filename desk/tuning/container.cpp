@@ -5,6 +5,9 @@
 #include <fmt/format.h>
 
 #include "desk/base/error.h"
+#include "desk/tuning/record_problem.h"
+#include "qz_isp/error.h"
+#include "tuning/record_walk.h"
 
 namespace qz::desk {
 
@@ -12,7 +15,7 @@ namespace {
 
 class container_reader {
   public:
-    explicit container_reader(byte_view bytes) : bytes_(bytes) {}
+    container_reader(const std::string &file, byte_view bytes) : file_(file), bytes_(bytes) {}
 
     record_list read_list(size_t start, size_t length, unsigned depth)
     {
@@ -23,9 +26,7 @@ class container_reader {
         while (end - offset > record_header_size) {
             const auto size = read_le<uint32_t>(bytes_, offset);
             if (size < record_header_size || size > end - offset) {
-                problem(true, offset,
-                        fmt::format("found size {}, expected {} to the {} bytes left in its list", size,
-                                    record_header_size, end - offset));
+                add(bad_size(size, end - offset), offset);
                 break;
             }
             list.records.push_back(read_record(offset, size, depth));
@@ -38,9 +39,15 @@ class container_reader {
     std::vector<tuning_problem> take_problems() { return std::move(problems_); }
 
   private:
-    void problem(bool error, size_t offset, std::string text)
+    void add(record_problem problem, size_t offset)
     {
-        problems_.push_back({error, offset, read_le<uint16_t>(bytes_, offset + 6), std::move(text)});
+        problems_.push_back({problem.refused, offset, read_le<uint16_t>(bytes_, offset + 6), std::move(problem.text)});
+    }
+
+    void check(size_t offset, size_t size)
+    {
+        if (std::optional<record_problem> problem = find_problem(bytes_.subspan(offset, size)))
+            add(std::move(*problem), offset);
     }
 
     tuning_record read_record(size_t offset, size_t size, unsigned depth)
@@ -52,12 +59,9 @@ class container_reader {
         record.id = read_le<uint16_t>(bytes_, offset + 6);
         record.body = bytes_.subspan(offset + record_header_size, size - record_header_size);
         record.place = find_place(record.id);
+        check(offset, size);
         if (record.id >= first_set_container_id)
             read_set_container(record, depth);
-        else if (record.id == rules_id)
-            check_rules(record);
-        else if (record.place)
-            check_slot(record);
         return record;
     }
 
@@ -65,15 +69,12 @@ class container_reader {
     {
         record.tagged = record.body.size() >= 4 && read_le<uint32_t>(record.body, 0) == container_tag;
         const size_t header_size = record.tagged ? container_header_size : 0;
-        if (record.body.size() < header_size) {
-            problem(true, record.offset,
-                    fmt::format("found size {} of a set container with the tag, expected at least {}", record.size(),
-                                record_header_size + container_header_size));
+        if (record.body.size() < header_size)
             return;
-        }
         if (depth >= max_nesting) {
-            problem(false, record.offset,
-                    fmt::format("found a set container nested more than {} deep, shown as bytes", max_nesting));
+            add({"", false, fmt::format("found a set container nested more than {} deep, shown as bytes", max_nesting)},
+                record.offset);
+            check_nested(record.body.subspan(header_size));
             return;
         }
         record.is_set_container = true;
@@ -83,67 +84,25 @@ class container_reader {
             read_list(record.offset + record_header_size + header_size, record.body.size() - header_size, depth + 1);
     }
 
-    void check_rules(const tuning_record &record)
+    // Records that are not kept.
+    void check_nested(byte_view records)
     {
-        if (record.size() < rules_start) {
-            problem(false, record.offset,
-                    fmt::format("found size {} of a rule record, expected at least {}: it is ignored", record.size(),
-                                rules_start));
-            return;
-        }
-        const auto count = static_cast<uint64_t>(stated_rows(record).value_or(0));
-        if (count * rule_size + rules_start > record.size())
-            problem(false, record.offset,
-                    fmt::format("found {} rules, its bytes hold {}: no rule is used", count,
-                                (record.size() - rules_start) / rule_size));
+        const auto offset_of = [&](const uint8_t *place) { return static_cast<size_t>(place - bytes_.data()); };
+        const auto check_record = [&](const walked_record &record) -> uint32_t {
+            check(offset_of(record.bytes), record.size);
+            return ISP_SUCCESS;
+        };
+        const auto check_size = [&](const uint8_t *place, uint32_t left) -> uint32_t {
+            const auto size = value_at<uint32_t>(place, offsetof(isp_record, size));
+            if (!holds_record({place, left}, size))
+                add(bad_size(size, left), offset_of(place));
+            return ISP_SUCCESS;
+        };
+        if (walk({records.data(), static_cast<uint32_t>(records.size())}, check_record, check_size) != ISP_SUCCESS)
+            fail({file_, "", "out of memory", ""});
     }
 
-    void check_slot(const tuning_record &record)
-    {
-        if (record.place->kind == nullptr) {
-            if (record.place->refused())
-                problem(true, record.offset,
-                        fmt::format("found id offset {} of the 320 family, expected {}", record.place->offset,
-                                    allowed_in_320()));
-            return;
-        }
-        check_rows(record);
-    }
-
-    void check_rows(const tuning_record &record)
-    {
-        const record_kind &kind = *record.place->kind;
-        if (!kind.has_rows())
-            return;
-        const std::optional<int64_t> stated = stated_rows(record);
-        if (!stated) {
-            problem(false, record.offset,
-                    fmt::format("found size {}, too short for a row count: no rows", record.size()));
-            return;
-        }
-        const auto held = static_cast<int64_t>((record.size() - kind.start) / kind.size);
-        if (*stated > held)
-            problem(false, record.offset,
-                    fmt::format("found {} rows, its bytes hold {}: the library uses {}", *stated, held, held));
-        else if (kind.layout == ISP_LAYOUT_ROWS_AND_MORE)
-            check_fringe(record, static_cast<size_t>(*stated));
-    }
-
-    void check_fringe(const tuning_record &record, size_t rows)
-    {
-        const record_kind &kind = *record.place->kind;
-        const size_t count2_end = kind.start + kind.size * rows + sizeof(uint16_t);
-        if (record.version >= ISP_FRINGE_COUNT2_SINCE && count2_end > record.size())
-            problem(false, record.offset,
-                    fmt::format("found version {} without its second count: read as version {}", record.version,
-                                ISP_FRINGE_COUNT2_SINCE - 1));
-        else if (record.version >= ISP_FRINGE_EXTRA_SINCE &&
-                 count2_end + rows * sizeof(isp_fringe_control_extra_row) > record.size())
-            problem(false, record.offset,
-                    fmt::format("found version {} without its second table: read as version {}", record.version,
-                                ISP_FRINGE_EXTRA_SINCE - 1));
-    }
-
+    const std::string &file_;
     byte_view bytes_;
     std::vector<tuning_problem> problems_;
 };
@@ -165,7 +124,7 @@ tuning_container read_container(const std::string &file, byte_view bytes)
     if (bytes.size() > UINT32_MAX)
         fail({file, "", fmt::format("{} bytes", bytes.size()), "at most 4294967295"});
 
-    container_reader reader(bytes);
+    container_reader reader(file, bytes);
     tuning_container container;
     container.header = bytes.subspan(4, container_header_size - 4);
     container.list = reader.read_list(container_header_size, bytes.size() - container_header_size, 0);

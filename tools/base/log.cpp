@@ -18,6 +18,17 @@ void show_log(log_shown shown)
     chosen = shown;
 }
 
+quiet_log::quiet_log() : before_(chosen)
+{
+    if (chosen == log_shown::errors)
+        chosen = log_shown::nothing;
+}
+
+quiet_log::~quiet_log()
+{
+    chosen = before_;
+}
+
 } // namespace qz::tool
 
 // Takes the place of the log library's: the library logs its version for every context.

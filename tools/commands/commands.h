@@ -64,6 +64,7 @@ int write_sample(const sample_options &options);
 struct tuning_pack_options {
     std::string source;
     std::string container;
+    bool force = false; // also one that the library refuses
 };
 int pack_tuning(const tuning_pack_options &options);
 

@@ -1,12 +1,9 @@
-#include <cstdio>
-
-#include <fmt/format.h>
-
 #include "desk/tuning/load.h"
 #include "desk/tuning/to_json.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/files.h"
 #include "tools/base/output_file.h"
+#include "tools/base/verdict.h"
 #include "tools/commands/commands.h"
 #include "tools/text/tuning_text.h"
 
@@ -19,8 +16,8 @@ int show_tuning(const tuning_show_options &options)
     const desk::tuning_container container = desk::read_container(name, bytes);
     write_text("-", options.as_json ? desk::container_source(container) : tuning_text(container));
     for (const desk::tuning_problem &problem : container.problems)
-        fmt::print(stderr, "qz-isp: {}: {}{}\n", name, problem.error ? "" : "warning: ", desk::problem_text(problem));
-    return container.has_errors() ? exit_failure : exit_success;
+        print_problem(name, problem);
+    return print_verdict(name, bytes) ? exit_success : exit_failure;
 }
 
 } // namespace qz::tool
