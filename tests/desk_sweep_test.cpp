@@ -1,14 +1,22 @@
 // Sweeps: which inputs and fields there are, and rows that depend on nothing but themselves.
-#include <cstring>
+#include <algorithm>
+#include <span>
 #include <string>
 #include <vector>
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include "desk/explain/block_sources.h"
+#include "desk/sweep/column_values.h"
 #include "desk/sweep/plan.h"
+#include "qz_log.h"
 #include "tests/desk_suite.h"
 
 using namespace qz::desk;
+
+// The library logs its version for every context.
+void qz_log(int /*level*/, const char * /*format*/, ...) {}
 
 namespace {
 
@@ -101,17 +109,37 @@ TEST(sweep_columns, are_named_as_they_were_asked_for)
 {
     std::string names;
     for (const sweep_column &column : choose_columns("block13.param1,ctc.shift,block7.field_0_to_33,checksum,block2.*"))
-        names += column.name + (column.described != nullptr ? "@" + std::to_string(column.index) : "") + " ";
+        names += column.name + (column.described != nullptr ? "@" + std::to_string(column.indices[0]) : "") + " ";
     EXPECT_EQ(names, "block13.param1@1 ctc.shift@0 block7.field_0_to_33@3 checksum block2.param[0]@0 block2.param[1]@1 "
                      "block2.gain[0]@0 block2.gain[1]@1 block2.gain[2]@2 block2.gain[3]@3 ");
     const std::pair<const char *, const char *> wrong[] = {
         {"checksum,",
-         "\"\": found the block \"\", expected bytes_used, checksum, or a field of one of block1 (white_bal"},
+         "\"\": found the block \"\", expected bytes_used, checksum, makernote.RECORD, or a field of one of "
+         "block1 (white_bal"},
         {"block30.param", "found the block \"block30\""},
         {"block13.param3",
-         "found the field \"param3\", expected * or one of param[0] to param[2] in block edge_enhanc"},
-        {"xnr.param0", "found the field \"param0\", expected * or one of param in block xnr"},
+         "found the field \"param3\", expected * or one of param[0] to param[2], record, set, index, rows, weight in "
+         "block edge_enhanc"},
+        {"block13.param[2..3]", "found the field \"param[2..3]\""},
+        {"block13.param[2..1]", "found the field \"param[2..1]\""},
+        {"block13.param0..1", "found the field \"param0..1\""},
+        {"xnr.param0", "found the field \"param0\", expected * or one of param, record, set, index, rows, weight in "},
+        {"block13.recrd", "; did you mean record?"},
         {"block13.param0,edge_enhancement.*", "found block13.param0 and edge_enhancement.param[0], the same value"},
+        {"block28.rows,lens_shading.rows", "found block28.rows and lens_shading.rows, the same value"},
+        {"block28.tables[0][0]", "found tables[0][0], expected tables[0 to 3][ROW][COLUMN], an index or FIRST..LAST"},
+        {"block28.tables[4][0][0]", "found tables[4][0][0]"},
+        {"block28.tables[0][0][3789]", "found tables[0][0][3789]"},
+        {"block28.tables[0][0][0]x", "found tables[0][0][0]x"},
+        {"block28.tables", "found tables, expected"},
+        {"block28.tables[0][0..9][0..378]", "found 10 rows of 379, expected at most 3789 entries of a channel"},
+        {"xnr.tables[0][0][0]", "found the field \"tables[0][0][0]\""},
+        {"makernote.acm", "found the makernote record \"acm\", expected one of version, white_balance, "},
+        {"makernote.ctc.value11",
+         "found \"value11\", expected * or value[0] to value[10], an index or FIRST..LAST, in"},
+        {"makernote.gamma_table",
+         "found \"*\", expected value[0] to value[256], an index or FIRST..LAST, in makernote"},
+        {"makernote.version.value0", "found \"value0\", expected text in makernote record version"},
     };
     for (const auto &[items, expected] : wrong) {
         const std::string error = error_of([given = items] { choose_columns(given); });
@@ -139,42 +167,136 @@ TEST(sweep_shards, are_the_whole_in_parts_that_differ_by_a_row)
                   "shard: found \"" + wrong + "\", expected I/N, shard I of N with I from 1 to N");
 }
 
+// What columns are called is what they can be chosen by.
+TEST(sweep_columns, are_listed_with_everything_that_a_frame_has)
+{
+    size_t count = 0;
+    for (const std::string &name : column_names()) {
+        const std::vector<sweep_column> columns = choose_columns(name);
+        ASSERT_FALSE(columns.empty()) << name;
+        count += columns.size();
+        const std::vector<sweep_column> again = choose_columns(columns.back().name);
+        EXPECT_EQ(again.size(), columns.back().name == name ? columns.size() : 1) << name;
+        EXPECT_EQ(again.back().value_name, columns.back().value_name);
+    }
+    EXPECT_GT(count, choose_columns({}).size());
+    // A field that is called as an origin is what the name means: then the block may not have a record.
+    for (const block_layout &block : record_blocks()) {
+        for (const field &described : block.fields) {
+            const std::span origins = origin_columns();
+            EXPECT_TRUE(std::ranges::find(origins, described.name, &named_column::name) == origins.end() ||
+                        block_sources()[block_number(block)].slot == tuning_slot::none)
+                << block.name << '.' << described.name;
+        }
+    }
+}
+
+std::string text_of(const cell &value)
+{
+    if (const auto *const words = std::get_if<std::string_view>(&value))
+        return std::string(*words);
+    if (const auto *const number = std::get_if<int64_t>(&value))
+        return std::to_string(*number);
+    const auto *const real = std::get_if<double>(&value);
+    return real != nullptr ? fmt::format("{}.", *real) : "-";
+}
+
+std::string row_of(sweep_plan &plan, uint64_t row)
+{
+    const column_source &values = plan.compute(row);
+    std::string text;
+    for (const sweep_column &column : plan.columns())
+        text += text_of(column_value(column, values)) + " ";
+    return text;
+}
+
+byte_buffer two_sets()
+{
+    return pack_container("t",
+                          R"({"records": [{"slot": "temporal_noise_reduction", "family": 320, "set": 0, "rows": []},
+                             {"slot": "macc", "family": 320, "set": 0, "entries": []},
+                             {"slot": "xnr", "family": 320, "set": 1, "rows": [[256, 10], [1024, 40]]}]})");
+}
+
 // The tuning record without rows leaves what the block held, so that a row would show the one before it.
 TEST(sweep_plan, rows_are_what_a_context_of_their_own_gives)
 {
-    byte_buffer container =
-        pack_container("t", R"({"records": [{"slot": "temporal_noise_reduction", "family": 320, "set": 0, "rows": []},
-                             {"slot": "xnr", "family": 320, "set": 0, "rows": [[256, 10], [1024, 40]]}]})");
-    scene setup = read_scene("s", R"({"frames": [{"nr_mode": 2}, {"lsc": {"width": 1, "height": 1, "enable": 1,
-                                                                     "grid": [null, null, null, null]}}]})");
-    const sweep_plan plan({{"nr_mode=0,1", "gain=1..2.5:1.5", "lsc.enable=0"},
-                           "block5.param[0],xnr.param,bytes_used,checksum,block28.columns,gamma_0.table256",
-                           {},
-                           {"edge_mode=1", "lsc.enable=1"},
-                           "2/2"},
-                          setup, container);
-    isp_session session(container, "t", setup);
+    const scene setup = read_scene("s", R"({"frames": [{"nr_mode": 2},
+        {"lsc": {"width": 1, "height": 1, "enable": 1, "grid": [null, null, null, null]}}]})");
+    sweep_plan plan(
+        {{"nr_mode=0,1", "gain=1..2.5:1.5", "lsc.enable=0"},
+         "block5.param[0],xnr.param,bytes_used,block28.columns,gamma_0.table256,xnr.record,xnr.set,"
+         "xnr.index,xnr.rows,xnr.weight,block5.record,macc.rows,macc.set,makernote.manual_controls.value[7]",
+         {},
+         {"edge_mode=1", "lsc.enable=1"},
+         "2/2"},
+        setup, two_sets(), "t");
     EXPECT_EQ(plan.rows().first, 2u);
     EXPECT_EQ(plan.rows().last, 4u);
-    const int64_t expected[][2] = {{65535, 0}, {65535, 0}, {0, 10}, {0, 25}};
-    for (const uint64_t row : {0u, 2u, 3u, 1u}) {
-        const record_snapshot snapshot = plan.compute(row, session);
-        EXPECT_EQ(setup.frames[1].controls.nr_mode, row / 2);
-        EXPECT_TRUE(setup.frames[1].controls.edge_mode == 1 && setup.frames[1].lsc->enable == 0);
-        const record_snapshot alone = isp_session(container, "t", setup).run(setup.frames[1]);
-        EXPECT_EQ(std::memcmp(&snapshot.record, &alone.record, sizeof alone.record), 0) << row;
-        uint32_t sum = 0;
-        for (size_t i = 0; i < snapshot.bytes_used; ++i)
-            sum += static_cast<uint32_t>(reinterpret_cast<const uint8_t *>(&snapshot.record)[i]) << 8 * (i % 4);
-        const std::optional<int64_t> values[] = {expected[row][0], expected[row][1], AIC_FIXED_SIZE, sum,
-                                                 std::nullopt,     std::nullopt};
-        for (size_t i = 0; i < std::size(values); ++i)
-            EXPECT_EQ(column_value(plan.columns()[i], snapshot), values[i]) << row << " " << i;
+    const char *const expected[] = {"65535 0 4928 - - - - - - - - - 0 1 ", "65535 0 4928 - - - - - - - - - 0 1 ",
+                                    "0 10 4928 - - xnr 1 0 0 0. - - 0 1 ", "0 25 4928 - - xnr 1 0 0-1 0.5. - - 0 1 "};
+    for (const uint64_t row : {0u, 2u, 3u, 1u, 3u})
+        EXPECT_EQ(row_of(plan, row), expected[row]) << row;
+}
+
+// For every block: what its columns need alone is what they are where all of the frame is computed.
+TEST(sweep_plan, computes_what_its_columns_need)
+{
+    const scene setup = read_scene("sample", qz::tool::sample_scene);
+    const byte_buffer container = pack_container("sample", qz::tool::sample_tuning);
+    const std::vector<std::string> over[] = {
+        {"gain=1,7.3,300", "nr_mode=0..2", "nr_strength=-128,20", "edge_mode=0,1", "sharpness=-128,33"},
+        {"brightness=-128,0,90", "contrast=0,127", "effects=0,negative,two_level+macc_2,vivid", "gamma_257=0,1",
+         "colour.gamma_parameter=0,0.5"},
+        {"lsc.enable=0,1", "frame.size.width=0,1280,4000", "frame.horizontal_numerator=1,2", "aux_size.height=0,3000",
+         "tuning_mode=0..2"},
+        {"hue=-128,50", "saturation=-128,127", "colour.saturation=0.5,2", "scene.macc_target=0,5000",
+         "scene.saturation_decrement=0,1", "colour.ccm[0]=0,1.9", "colour.white_balance_gain[1]=0.5,9",
+         "colour.black_level[0]=0,4000", "block9_control=0,1"},
+        {"tuning:edge_enhancement[0/0].rows[0].param1=0,7", "tuning:ctc_config[0/0].base_shift=1,3",
+         "tuning:macc[0/0].entries[0].key=0,9", "gain=1,5"},
+    };
+    for (const std::vector<std::string> &ranges : over) {
+        for (const char *const frame : {"preview", "video"}) {
+            for (const block_layout &block : record_blocks()) {
+                const std::string name(block.name);
+                const std::string columns = name + ".*";
+                sweep_plan alone({ranges, columns, frame, {}, {}}, setup, container, "sample");
+                sweep_plan whole({ranges, columns + ",checksum", frame, {}, {}}, setup, container, "sample");
+                for (uint64_t row = 0; row < alone.rows().last; row += 11) {
+                    const std::string values = row_of(alone, row);
+                    ASSERT_EQ(row_of(whole, row).substr(0, values.size()), values) << columns << ' ' << row;
+                }
+            }
+        }
     }
-    EXPECT_EQ(error_of([&] {
-                  sweep_plan({{"gain=1"}, {}, "all", {}, {}}, setup, container);
-              }),
-              "frame: found 2 frames, expected one for a sweep");
+}
+
+TEST(sweep_plan, goes_through_the_frames_of_a_scene)
+{
+    const scene setup = read_scene("s", R"({"frames": [{"nr_mode": 1}, {"name": "b", "nr_mode": 0}]})");
+    const auto columns = [](const char *frame) {
+        return sweep_choice{
+            {"gain=1,2.5"}, "xnr.param,frame_counter.value,block9.value", frame, {"block9_control=3"}, {}};
+    };
+    sweep_plan all(columns("all"), setup, two_sets(), "t");
+    EXPECT_TRUE(all.tells_frames());
+    ASSERT_EQ(all.rows().last, 4u);
+    for (const char *const frame : {"1", "0"}) {
+        sweep_plan one(columns(frame), setup, two_sets(), "t");
+        EXPECT_FALSE(one.tells_frames());
+        for (uint64_t row = 0; row < 2; ++row) {
+            const uint64_t of_all = row + (*frame == '1' ? 2 : 0);
+            EXPECT_EQ(std::to_string(all.frame_of(of_all)), frame);
+            EXPECT_EQ(row_of(one, row), row_of(all, of_all)) << frame << row;
+        }
+    }
+    EXPECT_EQ(row_of(all, 1), "25 0 2 ");
+    EXPECT_EQ(all.frame_name(1), "b");
+    const std::string wide = error_of([&] {
+        sweep_plan({{"nr_mode=0..4294967294", "effects=0..4294967295"}, {}, "all", {}, {}}, setup, two_sets(), "t");
+    });
+    EXPECT_TRUE(contains(wide, "frame: found more than 2^64 rows of 2 frames")) << wide;
 }
 
 } // namespace

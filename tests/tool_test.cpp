@@ -234,6 +234,30 @@ TEST_F(program, sweep_writes_shards_that_are_the_whole)
     EXPECT_FALSE(contains(text_of("errors"), "qz-isp:"));
 }
 
+TEST_F(program, sweep_tells_frames_and_where_values_came_from)
+{
+    write("t.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 1, "rows": [[256, 10], [1024, 40]]}]})");
+    write("s.json", R"({"frames": [{"name": "a \"b\",\né", "nr_mode": 1}, {"nr_mode": 0}]})");
+    const std::string arguments = "sweep --tuning t.json --scene s.json --over gain=2 --fields xnr.record,xnr.weight,"
+                                  "lens_shading.tables[0][0][0] ";
+    EXPECT_EQ(run(arguments + "--frame all").out, "frame,name,gain,xnr.record,xnr.weight,lens_shading.tables[0][0][0]\n"
+                                                  "0,\"a \"\"b\"\",\né\",2,xnr,0.3333333333333333,\n"
+                                                  "1,,2,,,\n");
+    const std::string all = R"({"frame":0,"name":"a \"b\",\né","gain":2,"xnr.record":"xnr",)"
+                            R"("xnr.weight":0.3333333333333333,"lens_shading.tables[0][0][0]":null})"
+                            "\n"
+                            R"({"frame":1,"name":null,"gain":2,"xnr.record":null,)"
+                            R"("xnr.weight":null,"lens_shading.tables[0][0][0]":null})"
+                            "\n";
+    EXPECT_EQ(run(arguments + "--frame all --format jsonl").out, all);
+    EXPECT_EQ(run(arguments).out.substr(0, 15), "gain,xnr.record");
+    EXPECT_EQ(run("get xnr,xnr.record,xnr.rows --tuning t.json --scene s.json --frame 0 --set gain=2").out,
+              "xnr.param 20\nxnr.record xnr\nxnr.rows 0-1\n");
+    EXPECT_EQ(run("get xnr.record --tuning t.json --scene s.json").out, "-\n");
+    EXPECT_EQ(run("get makernote.frame_geometry.value2,makernote.version").out,
+              "makernote.frame_geometry.value2 3264\nmakernote.version.text QZ_ISP 2.6.1 v2.0_012.000_002\n");
+}
+
 TEST_F(program, leaves_files_as_they_were_when_it_fails)
 {
     namespace fs = std::filesystem;

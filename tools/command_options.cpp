@@ -118,10 +118,12 @@ void add_sweep(CLI::App &app, chosen_command &chosen)
         ->allow_extra_args(false);
     command
         ->add_option("--fields", options->choice.fields,
-                     "Values to print: BLOCK.FIELD, BLOCK.FIELD[INDEX], BLOCK.*, " + desk::whole_column_names())
+                     "Values to print: BLOCK.FIELD, BLOCK.FIELD[INDEX], BLOCK.*, makernote.RECORD.*, " +
+                         desk::whole_column_names() +
+                         ", and where a block came from: BLOCK.record, .set, .index, .rows, .weight")
         ->type_name("FIELD,...");
     add_inputs(*command, options->inputs);
-    add_frame(*command, options->choice.frame, "Frame to start from, by number or name; else the last");
+    add_frame(*command, options->choice.frame, "Frame to start from, by number or name, or all; else the last");
     add_settings(*command, options->choice.settings);
     command->add_option("--format", options->format, "csv, or jsonl for JSON lines")
         ->type_name("FORMAT")

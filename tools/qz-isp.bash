@@ -31,6 +31,7 @@ _qz_isp()
     'sweep '*)
         case $previous in
         --tuning | --scene | --output) files=yes ;;
+        --frame) words=all ;;
         --format) words='csv jsonl' ;;
         *) words='--over --fields --tuning --scene --frame --set --format --no-header --shard --jobs --output' ;;
         esac

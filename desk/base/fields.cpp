@@ -35,6 +35,23 @@ std::vector<std::string_view> field_names(std::span<const field> fields)
     return names;
 }
 
+std::optional<index_span> find_indices(std::string_view text, uint32_t limit)
+{
+    std::string_view last = text;
+    if (text.starts_with('[') && text.ends_with(']'))
+        last = text.substr(1, text.size() - 2);
+    std::string_view first = last;
+    if (const size_t dots = last.find(".."); dots != std::string_view::npos && last.size() != text.size()) {
+        first = last.substr(0, dots);
+        last = last.substr(dots + 2);
+    }
+    const std::optional<uint64_t> from = whole_number_of(first);
+    const std::optional<uint64_t> to = whole_number_of(last);
+    if (!from || !to || *from > *to || *to >= limit)
+        return std::nullopt;
+    return index_span{static_cast<uint32_t>(*from), static_cast<uint32_t>(*to - *from + 1)};
+}
+
 std::optional<field_part> find_part(std::span<const field> fields, std::string_view name)
 {
     for (const field &described : fields) {
@@ -44,12 +61,8 @@ std::optional<field_part> find_part(std::span<const field> fields, std::string_v
     for (const field &described : fields) {
         if (!described.is_list || !name.starts_with(described.name))
             continue;
-        std::string_view digits = name.substr(described.name.size());
-        if (digits.starts_with('[') && digits.ends_with(']'))
-            digits = digits.substr(1, digits.size() - 2);
-        const std::optional<uint64_t> index = whole_number_of(digits);
-        if (index && *index < described.count)
-            return field_part{&described, static_cast<uint32_t>(*index), 1};
+        if (const auto indices = find_indices(name.substr(described.name.size()), described.count))
+            return field_part{&described, indices->first, indices->count};
     }
     return std::nullopt;
 }

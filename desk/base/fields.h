@@ -100,7 +100,14 @@ struct field_part {
     uint32_t count;
 };
 
-// A field by its name, "param", or one element of a list, "param[2]" or "param2".
+// A run of indices: "[2]", "[0..3]", or "2"; nothing for other texts and where one is not below the limit.
+struct index_span {
+    uint32_t first;
+    uint32_t count;
+};
+std::optional<index_span> find_indices(std::string_view text, uint32_t limit);
+
+// A field by its name, "param", or elements of a list, "param[2]", "param2" or "param[0..2]".
 std::optional<field_part> find_part(std::span<const field> fields, std::string_view name);
 
 // The name of an element, "param[2]" where the field is a list.

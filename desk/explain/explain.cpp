@@ -196,7 +196,8 @@ class block_explainer {
 
 } // namespace
 
-frame_origin explainer::explain(const frame_inputs &inputs, const record_snapshot &record) const
+frame_origin explainer::explain(const frame_inputs &inputs, const record_snapshot &record,
+                                const std::vector<bool> &wanted) const
 {
     const isp_context &context = session_.context();
     const isp_input_params &controls = inputs.controls;
@@ -217,8 +218,10 @@ frame_origin explainer::explain(const frame_inputs &inputs, const record_snapsho
     };
     const frame_facts facts = {inputs, usable_sensor(context.cmc), selection.selected(), record, frame};
     const block_explainer each(facts, selection);
-    for (const block_source &source : block_sources())
-        frame.blocks.push_back(each.explain(source));
+    for (const block_source &source : block_sources()) {
+        const bool is_wanted = wanted.empty() || wanted[frame.blocks.size()];
+        frame.blocks.push_back(is_wanted ? each.explain(source) : block_origin{});
+    }
     return frame;
 }
 

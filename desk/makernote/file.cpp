@@ -142,6 +142,12 @@ saved_makernote read_makernote(const std::string &file, byte_view bytes)
     return makernote_reader(file, bytes).read();
 }
 
+std::optional<element> makernote_element(uint32_t format)
+{
+    const element_format *found = find_format(format);
+    return found != nullptr ? std::optional(found->type) : std::nullopt;
+}
+
 std::string_view makernote_format_name(uint32_t format)
 {
     const element_format *found = find_format(format);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,9 @@ bool is_makernote(byte_view bytes);
 
 // Fails with the offset of what is wrong. The views point into the bytes.
 saved_makernote read_makernote(const std::string &file, byte_view bytes);
+
+// The elements' type; nothing for a number that is no format.
+std::optional<element> makernote_element(uint32_t format);
 
 // "u16", or empty for a number that is no format.
 std::string_view makernote_format_name(uint32_t format);

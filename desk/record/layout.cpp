@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace qz::desk {
 
@@ -119,13 +120,23 @@ size_t block_number(const block_layout &block)
 
 record_snapshot take_snapshot(const aic_record &record, uint32_t bytes_used)
 {
-    record_snapshot snapshot = {record, bytes_used, sizeof record};
+    record_snapshot snapshot;
+    take_snapshot(record, bytes_used, sizeof record, snapshot);
+    return snapshot;
+}
+
+void take_snapshot(const aic_record &record, uint32_t bytes_used, uint32_t bytes_held, record_snapshot &snapshot)
+{
+    std::memcpy(&snapshot.record, &record, bytes_held);
+    snapshot.bytes_used = bytes_used;
+    snapshot.bytes_held = bytes_held;
     if constexpr (sizeof(void *) == sizeof(uint32_t)) {
         const auto base = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(&record));
-        for (uint32_t &table : snapshot.record.lens_shading.payload.table)
-            table -= table != 0 ? base : 0;
+        if (bytes_held == sizeof record) {
+            for (uint32_t &table : snapshot.record.lens_shading.payload.table)
+                table -= table != 0 ? base : 0;
+        }
     }
-    return snapshot;
 }
 
 uint32_t block_size(const record_snapshot &snapshot, const block_layout &block)

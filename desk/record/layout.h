@@ -39,6 +39,8 @@ struct record_snapshot {
 };
 
 record_snapshot take_snapshot(const aic_record &record, uint32_t bytes_used);
+// bytes_held: how much of the record is to be taken.
+void take_snapshot(const aic_record &record, uint32_t bytes_used, uint32_t bytes_held, record_snapshot &snapshot);
 
 // The size that the block's header states.
 uint32_t block_size(const record_snapshot &snapshot, const block_layout &block);

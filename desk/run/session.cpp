@@ -1,5 +1,6 @@
 #include "desk/run/session.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include <fmt/format.h>
@@ -50,16 +51,18 @@ isp_lsc_params bind(const shading_inputs &lsc)
 
 // The library's view of a frame's inputs; valid while the inputs live.
 struct bound_frame {
-    explicit bound_frame(const frame_inputs &inputs)
+    explicit bound_frame(const frame_inputs &inputs, const frame_parts &parts = {})
         : gamma(inputs.gamma ? bind(*inputs.gamma) : isp_gamma_params{}),
           lsc(inputs.lsc ? bind(*inputs.lsc) : isp_lsc_params{}), params(inputs.controls)
     {
         params.frame = address_of(inputs.frame);
         params.exposure = address_of(inputs.exposure);
         params.scene = address_of(inputs.scene);
-        params.gamma = inputs.gamma ? &gamma : nullptr;
+        params.gamma = inputs.gamma && parts.gamma ? &gamma : nullptr;
+        if (!parts.gamma)
+            params.brightness = params.contrast = 0; // which act on tables without curves as well
         params.colour = address_of(inputs.colour);
-        params.lsc = inputs.lsc ? &lsc : nullptr;
+        params.lsc = inputs.lsc && parts.shading ? &lsc : nullptr;
         params.aux_size = address_of(inputs.aux_size);
         params.selection_list = inputs.selection_list ? inputs.selection_list->data() : nullptr;
     }
@@ -83,6 +86,14 @@ void isp_session::load(const byte_buffer &container)
 {
     context_.reset(); // it points into the old one
     container_ = container;
+    open_again();
+}
+
+void isp_session::open_again()
+{
+    if (makernote_ != nullptr)
+        qz_mkn_clear(makernote_);
+    written_ = 0;
     open();
 }
 
@@ -103,18 +114,30 @@ void isp_session::open()
 
 record_snapshot isp_session::run(const frame_inputs &inputs)
 {
-    const bound_frame frame(inputs);
+    record_snapshot snapshot;
+    run(inputs, {}, snapshot);
+    return snapshot;
+}
+
+void isp_session::run(const frame_inputs &inputs, const frame_parts &parts, record_snapshot &snapshot)
+{
+    const bound_frame frame(inputs, parts);
     isp_output_desc output = {nullptr, 0};
     const uint32_t status = qz_isp_2_7_run(context_.get(), &frame.params, &output);
     if (status != ISP_SUCCESS || output.record == nullptr)
         fail({tuning_name_, "", fmt::format("the frame run failed with status {}", status), ""});
-    return take_snapshot(*output.record, output.bytes_used);
+    const uint32_t held = parts.shading ? uint32_t{AIC_RECORD_SIZE} : uint32_t{AIC_FIXED_SIZE};
+    written_ = std::max(written_, held);
+    take_snapshot(*output.record, output.bytes_used, held, snapshot);
 }
 
 void isp_session::forget_frames()
 {
-    std::memset(context_->aic_output, 0, sizeof *context_->aic_output);
+    if (makernote_ != nullptr)
+        return open_again(); // for the record of the start
+    std::memset(context_->aic_output, 0, written_);
     context_->frame_counter = 0;
+    written_ = 0;
 }
 
 isp_tuning_set isp_session::selection(const frame_inputs &inputs) const

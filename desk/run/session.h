@@ -12,6 +12,12 @@
 
 namespace qz::desk {
 
+// What of a frame is computed: the dear blocks need not be.
+struct frame_parts {
+    bool gamma = true; // the three tables
+    bool shading = true;
+};
+
 class isp_session {
   public:
     // tuning_name is what messages call the container; set-up and makernote, or null, must outlive the session.
@@ -20,10 +26,13 @@ class isp_session {
     // The record after the frame.
     record_snapshot run(const frame_inputs &inputs);
 
+    // The same for some parts. Of the snapshot only what is asked for is the frame's.
+    void run(const frame_inputs &inputs, const frame_parts &parts, record_snapshot &snapshot);
+
     // A new context with another container, for the same set-up.
     void load(const byte_buffer &container);
 
-    // What a new context would have: nothing is left of the frames before.
+    // What a new context would have: nothing is left of the frames before, nor in the makernote.
     void forget_frames();
 
     // The records that the library selects for the frame; they are the context's.
@@ -39,12 +48,14 @@ class isp_session {
     };
 
     void open();
+    void open_again();
 
     const scene &setup_;
     qz_mkn *makernote_;
     byte_buffer container_;
     std::string tuning_name_;
     std::unique_ptr<isp_context, context_deleter> context_;
+    uint32_t written_ = 0; // bytes of the context's record that frames have reached
 };
 
 } // namespace qz::desk

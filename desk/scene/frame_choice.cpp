@@ -14,7 +14,7 @@ frame_choice choose_frames(const scene &scene, const std::optional<std::string> 
     const size_t count = scene.frames.size();
     if (!choice)
         return {count - 1, count};
-    if (*choice == "all")
+    if (*choice == all_frames)
         return {0, count};
     if (const std::optional<uint64_t> index = whole_number_of(*choice); index && *index < count)
         return {static_cast<size_t>(*index), static_cast<size_t>(*index) + 1};

@@ -4,10 +4,14 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "desk/scene/scene.h"
 
 namespace qz::desk {
+
+// The choice of every frame of a scene.
+constexpr std::string_view all_frames = "all";
 
 struct frame_choice {
     size_t first;

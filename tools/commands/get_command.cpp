@@ -1,14 +1,14 @@
-#include <iterator>
-
 #include <fmt/format.h>
 
 #include "desk/base/error.h"
-#include "desk/explain/computed_frames.h"
+#include "desk/explain/explain.h"
+#include "desk/makernote/handle.h"
 #include "desk/run/settings.h"
 #include "desk/sweep/columns.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/output_file.h"
 #include "tools/commands/commands.h"
+#include "tools/text/cells.h"
 
 namespace qz::tool {
 
@@ -16,14 +16,20 @@ using namespace desk;
 
 namespace {
 
+void append_plain(std::string &text, std::string_view value)
+{
+    text += value;
+}
+
 // A value alone stands by itself, for scripts; of several, each has its name before it.
-std::string values_text(const std::vector<sweep_column> &columns, const record_snapshot &record)
+std::string values_text(const std::vector<sweep_column> &columns, const column_source &values)
 {
     std::string text;
     for (const sweep_column &column : columns) {
-        const std::optional<int64_t> value = column_value(column, record);
-        const std::string digits = value ? std::to_string(*value) : "-";
-        fmt::format_to(std::back_inserter(text), "{}\n", columns.size() == 1 ? digits : column.name + " " + digits);
+        if (columns.size() > 1)
+            text += column.name + " ";
+        append_cell(text, column_value(column, values), append_plain, "-");
+        text += '\n';
     }
     return text;
 }
@@ -40,8 +46,19 @@ int get(const get_options &options)
     byte_buffer container = load_container(options.inputs);
     apply_settings(options.settings, scene, chosen, container);
     const std::vector<sweep_column> columns = choose_columns(options.fields);
-    isp_session session(std::move(container), tuning_name(options.inputs), scene);
-    write_text("-", values_text(columns, compute_frames(session, scene, chosen, false).front().snapshot));
+    const column_needs needs = needs_of(columns);
+    const makernote_handle makernote(needs.makernote ? qz_mkn_create() : nullptr);
+    isp_session session(std::move(container), tuning_name(options.inputs), scene, makernote.get());
+    for (size_t before = 0; before < chosen.first; ++before)
+        session.run(scene.frames[before]);
+    const uint32_t first_record = makernote ? qz_mkn_record_count(makernote.get()) : 0;
+    const frame_inputs &inputs = scene.frames[chosen.first];
+    column_source values = {session.run(inputs), {}, {}};
+    if (!needs.origins.empty())
+        values.take_uses(explainer(session).explain(inputs, values.record, needs.origins));
+    if (makernote)
+        values.makernote.read(makernote.get(), first_record);
+    write_text("-", values_text(columns, values));
     return exit_success;
 }
 

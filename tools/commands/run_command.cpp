@@ -1,4 +1,5 @@
 #include "desk/makernote/file.h"
+#include "desk/makernote/handle.h"
 #include "desk/record/dump.h"
 #include "desk/run/session.h"
 #include "desk/run/settings.h"
@@ -12,11 +13,6 @@ namespace qz::tool {
 using namespace desk;
 
 namespace {
-
-struct makernote_deleter {
-    void operator()(qz_mkn *makernote) const { qz_mkn_destroy(makernote); }
-};
-using makernote_handle = std::unique_ptr<qz_mkn, makernote_deleter>;
 
 byte_buffer dump_of(const std::vector<computed_frame> &frames)
 {

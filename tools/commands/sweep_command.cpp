@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <charconv>
 #include <cstring>
 #include <deque>
 #include <future>
@@ -14,6 +13,7 @@
 #include "tools/base/output_file.h"
 #include "tools/base/progress.h"
 #include "tools/commands/commands.h"
+#include "tools/text/cells.h"
 
 namespace qz::tool {
 
@@ -27,8 +27,13 @@ constexpr uint64_t chunk_rows = 1024;
 // Rows as text.
 class row_text {
   public:
-    row_text(const sweep_plan &plan, bool json) : plan_(plan), json_(json)
+    row_text(const sweep_plan &plan, bool json)
+        : plan_(plan), json_(json), append_text_(json ? append_json : append_csv), tells_names_(has_names(plan))
     {
+        if (plan.tells_frames())
+            add_name("frame");
+        if (tells_names_)
+            add_name("name");
         for (const sweep_range &range : plan.ranges())
             add_name(range.varied.name);
         for (const sweep_column &column : plan.columns())
@@ -37,22 +42,21 @@ class row_text {
 
     std::string header() const { return fmt::format("{}\n", fmt::join(names_, "")); }
 
-    void add(const record_snapshot &snapshot)
+    void add(uint64_t row, const column_source &values)
     {
         size_t place = 0;
-        for (const sweep_range &range : plan_.ranges()) {
+        if (plan_.tells_frames())
+            add_frame(plan_.frame_of(row), place);
+        for (const sweep_range &range : plan_.ranges_of(row)) {
             start_value(place++);
             visit_type(range.varied.type, [&](auto typed) {
                 std::memcpy(&typed, range.varied.place, sizeof typed);
-                add_number(typed);
+                append_number(text_, typed);
             });
         }
         for (const sweep_column &column : plan_.columns()) {
             start_value(place++);
-            if (const std::optional<int64_t> value = column_value(column, snapshot))
-                add_number(*value);
-            else if (json_)
-                text_ += "null";
+            append_cell(text_, column_value(column, values), append_text_, json_ ? "null" : "");
         }
         text_ += json_ ? "}\n" : "\n";
     }
@@ -60,6 +64,14 @@ class row_text {
     std::string take() { return std::exchange(text_, {}); }
 
   private:
+    static bool has_names(const sweep_plan &plan)
+    {
+        bool found = false;
+        for (size_t frame = plan.frames().first; plan.tells_frames() && frame < plan.frames().last; ++frame)
+            found = found || !plan.frame_name(frame).empty();
+        return found;
+    }
+
     // What stands before the value of a column in every row; names need no quotes in CSV, nor escapes in JSON.
     void add_name(std::string_view name)
     {
@@ -76,16 +88,21 @@ class row_text {
             text_ += ',';
     }
 
-    // The shortest text that reads back as the same number.
-    template <typename Number>
-    void add_number(Number number)
+    void add_frame(size_t frame, size_t &place)
     {
-        char digits[32];
-        text_.append(digits, std::to_chars(digits, std::end(digits), number).ptr);
+        start_value(place++);
+        append_number(text_, frame);
+        if (!tells_names_)
+            return;
+        const std::string &name = plan_.frame_name(frame);
+        start_value(place++);
+        append_cell(text_, name.empty() ? cell() : cell(std::string_view(name)), append_text_, json_ ? "null" : "");
     }
 
     const sweep_plan &plan_;
     bool json_;
+    void (*append_text_)(std::string &, std::string_view);
+    bool tells_names_;
     std::vector<std::string> names_;
     std::string text_;
 };
@@ -93,9 +110,8 @@ class row_text {
 // What one thread computes with: nothing is shared.
 class sweep_worker {
   public:
-    sweep_worker(const sweep_options &options, scene setup, byte_buffer container)
-        : setup_(std::move(setup)), container_(std::move(container)), plan_(options.choice, setup_, container_),
-          session_(container_, tuning_name(options.inputs), setup_), text_(plan_, options.format == "jsonl")
+    sweep_worker(const sweep_options &options, const scene &setup, const byte_buffer &container)
+        : plan_(options.choice, setup, container, tuning_name(options.inputs)), text_(plan_, options.format == "jsonl")
     {}
     sweep_worker(const sweep_worker &) = delete;
     sweep_worker &operator=(const sweep_worker &) = delete;
@@ -106,15 +122,12 @@ class sweep_worker {
     std::string compute(uint64_t first, uint64_t last)
     {
         for (uint64_t row = first; row < last; ++row)
-            text_.add(plan_.compute(row, session_));
+            text_.add(row, plan_.compute(row));
         return text_.take();
     }
 
   private:
-    scene setup_;
-    byte_buffer container_;
     sweep_plan plan_;
-    isp_session session_;
     row_text text_;
 };
 

@@ -1,0 +1,15 @@
+// A makernote that is destroyed with its owner.
+#pragma once
+
+#include <memory>
+
+#include "qz_mkn.h"
+
+namespace qz::desk {
+
+struct makernote_deleter {
+    void operator()(qz_mkn *makernote) const { qz_mkn_destroy(makernote); }
+};
+using makernote_handle = std::unique_ptr<qz_mkn, makernote_deleter>;
+
+} // namespace qz::desk
