@@ -15,6 +15,7 @@
 #include "desk/base/json_node.h"
 #include "desk/explain/computed_frames.h"
 #include "desk/makernote/file.h"
+#include "desk/makernote/handle.h"
 #include "desk/record/dump.h"
 #include "desk/report/data.h"
 #include "desk/run/settings.h"
@@ -102,10 +103,6 @@ struct prepared {
     byte_buffer container;
 };
 
-struct makernote_deleter {
-    void operator()(qz_mkn *makernote) const { qz_mkn_destroy(makernote); }
-};
-
 [[gnu::constructor]] void expect_to_run_out_of_memory()
 {
     std::set_new_handler([] { qz_isp_desk_failed("out of memory"); });
@@ -156,7 +153,7 @@ QZ_MODULE_EXPORT(makernote) void makernote()
 {
     const request asked = read_request();
     const prepared from(asked);
-    const std::unique_ptr<qz_mkn, makernote_deleter> list(qz_mkn_create());
+    const makernote_handle list(qz_mkn_create());
     isp_session session(from.container, asked.tuning_name, from.setup, list.get());
     compute_frames(session, from.setup, from.chosen, false);
     result = save_makernote(list.get());
