@@ -13,7 +13,6 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "desk/base/json_parse.h"
 #include "desk/makernote/file.h"
 #include "desk/run/session.h"
 #include "desk/scene/scene.h"
@@ -62,7 +61,7 @@ void append(byte_buffer &bytes, const std::vector<float> &samples)
 // The sample tuning, each of its records in a container of its own, and set containers in one another.
 std::vector<json> tuning_sources()
 {
-    const json whole = desk::parse_json("sample", qz::tool::sample_tuning);
+    const json whole = json::parse(qz::tool::sample_tuning);
     std::vector<json> sources = {whole};
     for (const json &record : whole.at("records"))
         sources.push_back({{"records", json::array({record})}});
@@ -126,7 +125,7 @@ byte_buffer frames_on(desk::byte_view container, const desk::scene &scene, std::
 
 void write_scenes(const corpus &to)
 {
-    const json whole = desk::parse_json("sample", qz::tool::sample_scene);
+    const json whole = json::parse(qz::tool::sample_scene);
     json around = whole;
     around["frames"] = {json::object()};
     to.add("without-frames", around.dump());

@@ -51,8 +51,10 @@ TEST(scene, frames_inherit_what_they_do_not_change)
          "exposure": {"analog_gain": 2, "digital_gain": 3}},
         {"exposure": {"analog_gain": 4}, "effects": 1024},
         {"exposure": null},
-        {"inherit": false, "hue": 1}]})");
-    ASSERT_EQ(read.frames.size(), 4u);
+        {"inherit": false, "hue": 1},
+        {"hue": null, "exposure": {"analog_gain": 7, "digital_gain": null}},
+        {"exposure": {"analog_gain": null}}]})");
+    ASSERT_EQ(read.frames.size(), 6u);
     EXPECT_EQ(read.frames[0].controls.effects, 0x81u);
     EXPECT_EQ(read.frames[1].name, "");
     EXPECT_EQ(read.frames[1].controls.sharpness, 5);
@@ -63,6 +65,9 @@ TEST(scene, frames_inherit_what_they_do_not_change)
     EXPECT_EQ(read.frames[2].controls.hue, -3);
     EXPECT_EQ(read.frames[3].controls.sharpness, 0);
     EXPECT_EQ(read.frames[3].controls.hue, 1);
+    EXPECT_EQ(read.frames[4].controls.hue, 0);
+    EXPECT_EQ(read.frames[4].exposure->analog_gain, 7.0f);
+    EXPECT_EQ(read.frames[5].exposure->analog_gain, 1.0f);
 }
 
 TEST(scene, grids_and_curves_keep_their_order)
@@ -90,6 +95,8 @@ TEST(scene, errors_name_the_field_what_was_found_and_what_was_expected)
          "s.json: frames[0]: found the name \"hue\" twice in one object, expected it once"},
         {R"({"frames": [{}, {"colour": {"ccm": [1, {"x": 1, "x": 1}]}}]})",
          "s.json: frames[1].colour.ccm[1]: found the name \"x\" twice"},
+        {R"([0, {"a":1,"b":1,"c":1,"d":1,"e":1,"f":1,"g":1,"h":1,"i":1,"j":1,"k":1,"l":1,"m":1,"n":1,"o":1,"p":1,"c":1}])",
+         "s.json: [1]: found the name \"c\" twice in one object"},
         {R"({"frames": [1e400]})", "s.json: line 1, column 17: found 1e400, expected a number within double precision"},
         {R"({"frames": [{"hue": 1e2}, {"hue": 1.5}]})", "s.json: frames[1].hue: found 1.5, expected an integer"},
         {R"({"frames": [{"hue": 128}]})", "s.json: frames[0].hue: found 128, expected an integer from -128 to 127"},
@@ -114,11 +121,13 @@ TEST(scene, errors_name_the_field_what_was_found_and_what_was_expected)
               "s.json: line 2, column 1: found a byte 0, expected text");
     const auto nested = [](const char *value) { return std::string(257, '[') + value + std::string(257, ']'); };
     EXPECT_EQ(read_error(nested("")), "s.json: found a list of 1, expected an object");
-    EXPECT_EQ(read_error(nested("1")), "s.json: found values nested more than 256 deep, expected fewer levels");
-    std::string deep;
+    EXPECT_EQ(read_error(nested("1")), "s.json: [0][0][0][0][0][0][0][0][0][0][0][0][0][0][0][0][0][0][0][0]...: "
+                                       "found values nested more than 256 deep, expected fewer levels");
+    std::string deep = R"({"frames":[{}, )";
     for (int i = 0; i < 100000; ++i)
         deep += "{\"a\":";
-    EXPECT_EQ(read_error(deep), "s.json: found values nested more than 256 deep, expected fewer levels");
+    EXPECT_TRUE(contains(read_error(deep), "s.json: frames[1].a.a.a."));
+    EXPECT_TRUE(contains(read_error(deep), "...: found values nested more than 256 deep, expected fewer levels"));
     for (const auto &[text, expected] : cases)
         EXPECT_EQ(read_error(text).substr(0, std::string_view(expected).size()), expected) << text;
 }

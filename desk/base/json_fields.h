@@ -4,6 +4,7 @@
 #include <span>
 
 #include "desk/base/fields.h"
+#include "desk/base/json.h"
 #include "desk/base/json_node.h"
 
 namespace qz::desk {

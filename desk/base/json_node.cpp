@@ -1,142 +1,245 @@
 #include "desk/base/json_node.h"
 
 #include <algorithm>
+#include <bit>
 #include <cfloat>
 #include <charconv>
 #include <cmath>
 #include <nlohmann/json.hpp>
+#include <unordered_map>
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include "desk/base/error.h"
-#include "desk/base/json_parse.h"
+#include "desk/base/json.h"
 #include "desk/base/one_of.h"
 
 namespace qz::desk {
 
 namespace {
 
-std::string shortened(const std::string &text)
+std::string shortened(const json &value)
 {
     constexpr size_t limit = 40;
+    const std::string text = value.dump(-1, ' ', false, json::error_handler_t::replace);
     return text.size() > limit ? text.substr(0, limit) + "..." : text;
 }
 
-std::string description(const json &value)
+std::string description(const json_document &document, size_t index)
 {
-    if (value.is_object())
-        return "an object";
-    if (value.is_array())
-        return fmt::format("a list of {}", value.size());
-    return shortened(value.dump(-1, ' ', false, json::error_handler_t::replace));
+    constexpr size_t enough = 64;
+    const json_value &value = document.at(index);
+    switch (value.type) {
+    case json_type::object: return "an object";
+    case json_type::list: return fmt::format("a list of {}", value.count);
+    case json_type::text: return shortened(document.text_at(index).substr(0, enough));
+    case json_type::real: return shortened(std::bit_cast<double>(value.bits));
+    case json_type::natural: return std::to_string(value.bits);
+    case json_type::negative: return std::to_string(static_cast<int64_t>(value.bits));
+    case json_type::boolean: return value.bits != 0 ? "true" : "false";
+    default: return "null";
+    }
 }
+
+// Looks up members by name, in objects of any size.
+class member_index {
+  public:
+    member_index(const json_document &document, size_t object) : members_(document.members(object))
+    {
+        if (document.at(object).count > few) {
+            for (const json_member member : members_)
+                values_.emplace(member.name, member.value);
+        }
+    }
+
+    // The index of the value, or 0.
+    size_t find(std::string_view name) const
+    {
+        if (!values_.empty()) {
+            const auto found = values_.find(name);
+            return found == values_.end() ? 0 : found->second;
+        }
+        for (const json_member member : members_) {
+            if (member.name == name)
+                return member.value;
+        }
+        return 0;
+    }
+
+  private:
+    static constexpr uint32_t few = 32;
+
+    json_members members_;
+    std::unordered_map<std::string_view, size_t> values_;
+};
+
+bool is_among(const std::vector<std::string_view> &names, std::string_view name)
+{
+    return std::ranges::find(names, name) != names.end();
+}
+
+// Adds what merge patches make of objects to a document.
+class merger {
+  public:
+    merger(json_document &result, const json_document &base, const json_document &patch)
+        : result_(result), base_(base), patch_(patch)
+    {}
+
+    void merge(std::optional<size_t> base, size_t patch, const std::vector<std::string_view> &except)
+    {
+        const size_t object = result_.open(json_type::object);
+        const bool has_base = base && base_.at(*base).type == json_type::object;
+        const uint32_t kept = has_base ? merge_base(*base, patch, except) : 0;
+        const uint32_t added = merge_new(has_base ? base : std::nullopt, patch, except);
+        result_.close(object, kept + added);
+    }
+
+  private:
+    // The members of the base, as the patch leaves them; how many.
+    uint32_t merge_base(size_t base, size_t patch, const std::vector<std::string_view> &except)
+    {
+        const member_index changes(patch_, patch);
+        uint32_t count = 0;
+        for (const json_member member : base_.members(base)) {
+            const size_t change = is_among(except, member.name) ? 0 : changes.find(member.name);
+            if (change != 0 && patch_.at(change).type == json_type::null)
+                continue;
+            result_.add_text(member.name);
+            if (change == 0)
+                result_.copy(base_, member.value);
+            else
+                add_change(member.value, change);
+            ++count;
+        }
+        return count;
+    }
+
+    // The members that the patch alone has; how many.
+    uint32_t merge_new(std::optional<size_t> base, size_t patch, const std::vector<std::string_view> &except)
+    {
+        std::optional<member_index> there;
+        if (base)
+            there.emplace(base_, *base);
+        uint32_t count = 0;
+        for (const json_member member : patch_.members(patch)) {
+            if (patch_.at(member.value).type == json_type::null || is_among(except, member.name) ||
+                (there && there->find(member.name) != 0))
+                continue;
+            result_.add_text(member.name);
+            add_change(std::nullopt, member.value);
+            ++count;
+        }
+        return count;
+    }
+
+    void add_change(std::optional<size_t> base, size_t change)
+    {
+        if (patch_.at(change).type == json_type::object)
+            merge(base, change, {});
+        else
+            result_.copy(patch_, change);
+    }
+
+    json_document &result_;
+    const json_document &base_;
+    const json_document &patch_;
+};
 
 } // namespace
 
-json_node::json_node(std::shared_ptr<const json> document, std::string file)
-    : document_(std::move(document)), value_(document_.get()), file_(std::move(file))
-{}
-
-json_node::json_node(std::shared_ptr<const json> document, const json *value, std::string file, std::string path)
-    : document_(std::move(document)), value_(value), file_(std::move(file)), path_(std::move(path))
-{}
-
-json_node read_document(const std::string &file, std::string_view text)
-{
-    return {std::make_shared<const json>(parse_json(file, text)), file};
-}
-
-bool json_node::is_null() const
-{
-    return value_->is_null();
-}
-
 bool json_node::is_number() const
 {
-    return value_->is_number();
-}
-
-bool json_node::is_text() const
-{
-    return value_->is_string();
+    return value().type == json_type::natural || value().type == json_type::negative || value().type == json_type::real;
 }
 
 void json_node::fail(std::string found, std::string expected) const
 {
-    desk::fail({file_, path_, std::move(found), std::move(expected)});
+    desk::fail({document_->file(), document_->path_of(index_), std::move(found), std::move(expected)});
 }
 
 void json_node::fail_type(std::string expected) const
 {
-    fail(description(*value_), std::move(expected));
+    fail(description(*document_, index_), std::move(expected));
+}
+
+void json_node::expect_object() const
+{
+    if (value().type != json_type::object)
+        fail_type("an object");
 }
 
 void json_node::expect_names(const std::vector<std::string_view> &names) const
 {
-    if (!value_->is_object())
-        fail_type("an object");
-    for (const auto &member : value_->items()) {
-        if (member.key() != "comment" && std::ranges::find(names, member.key()) == names.end())
-            fail(fmt::format("the name \"{}\"", member.key()), one_of(names, member.key()));
+    expect_object();
+    for (const json_member member : document_->members(index_)) {
+        if (member.name != "comment" && !is_among(names, member.name))
+            fail(fmt::format("the name \"{}\"", member.name), one_of(names, member.name));
     }
 }
 
 std::optional<json_node> json_node::find(std::string_view name) const
 {
-    if (!value_->is_object())
-        fail_type("an object");
-    const auto found = value_->find(std::string(name));
-    if (found == value_->end() || found->is_null())
-        return std::nullopt;
-    return json_node(document_, &*found, file_, path_.empty() ? std::string(name) : fmt::format("{}.{}", path_, name));
+    expect_object();
+    for (const json_member member : document_->members(index_)) {
+        if (member.name != name)
+            continue;
+        const json_node found(*document_, member.value);
+        return found.is_null() ? std::nullopt : std::optional(found);
+    }
+    return std::nullopt;
 }
 
 json_node json_node::at(std::string_view name) const
 {
-    std::optional<json_node> found = find(name);
+    const std::optional<json_node> found = find(name);
     if (!found)
         fail(fmt::format("no \"{}\"", name), "it given");
-    return *std::move(found);
+    return *found;
 }
 
-std::vector<json_node> json_node::items() const
+json_items json_node::items() const
 {
-    if (!value_->is_array())
+    if (value().type != json_type::list)
         fail_type("a list");
-    std::vector<json_node> nodes;
-    nodes.reserve(value_->size());
-    for (const json &item : *value_)
-        nodes.push_back(json_node(document_, &item, file_, fmt::format("{}[{}]", path_, nodes.size())));
-    return nodes;
+    return json_items(*this);
 }
 
-std::vector<json_node> json_node::items(size_t count) const
+json_items json_node::items(size_t count) const
 {
-    if (!value_->is_array() || value_->size() != count)
+    if (value().type != json_type::list || value().count != count)
         fail_type(fmt::format("a list of {}", count));
-    return items();
+    return json_items(*this);
+}
+
+double json_node::real() const
+{
+    switch (value().type) {
+    case json_type::natural: return static_cast<double>(value().bits);
+    case json_type::negative: return static_cast<double>(static_cast<int64_t>(value().bits));
+    default: return std::bit_cast<double>(value().bits);
+    }
 }
 
 int64_t json_node::integer(int64_t low, int64_t high) const
 {
-    bool fits = value_->is_number_integer();
-    if (value_->is_number_unsigned()) {
-        fits = value_->get<uint64_t>() <= static_cast<uint64_t>(INT64_MAX);
-    } else if (value_->is_number_float()) { // 1.0 or 1e2, as other programs write them
-        const auto value = value_->get<double>();
-        fits = std::abs(value) < 0x1p63 && value == std::trunc(value);
+    bool fits = value().type == json_type::negative;
+    auto number = static_cast<int64_t>(value().bits);
+    if (value().type == json_type::natural) {
+        fits = number >= 0;
+    } else if (value().type == json_type::real) { // 1.0 or 1e2, as other programs write them
+        fits = std::abs(real()) < 0x1p63 && real() == std::trunc(real());
+        number = fits ? static_cast<int64_t>(real()) : 0;
     }
-    if (!fits || value_->get<int64_t>() < low || value_->get<int64_t>() > high)
+    if (!fits || number < low || number > high)
         fail_type(fmt::format("an integer from {} to {}", low, high));
-    return value_->get<int64_t>();
+    return number;
 }
 
 double json_node::number(double low, double high) const
 {
-    if (!value_->is_number() || !(value_->get<double>() >= low) || !(value_->get<double>() <= high))
+    if (!is_number() || !(real() >= low) || !(real() <= high))
         fail_type(fmt::format("a number from {} to {}", low, high));
-    return value_->get<double>();
+    return real();
 }
 
 float json_node::single() const
@@ -145,36 +248,32 @@ float json_node::single() const
     return static_cast<float>(number(-limit, limit));
 }
 
-json_node json_node::patched(const json_node &patch, const std::vector<std::string_view> &except) const
+json_document json_node::patch(const std::optional<json_node> &base, const std::vector<std::string_view> &except) const
 {
-    if (!patch.value_->is_object())
-        patch.fail_type("an object");
-    json changes = *patch.value_;
-    for (const std::string_view name : except)
-        changes.erase(std::string(name));
-    auto result = std::make_shared<json>(*value_);
-    result->merge_patch(changes);
-    const json *value = result.get();
-    return {std::move(result), value, patch.file_, patch.path_};
+    expect_object();
+    json_document result(*document_, index_);
+    merger(result, base ? *base->document_ : *document_, *document_)
+        .merge(base ? std::optional(base->index_) : std::nullopt, index_, except);
+    return result;
 }
 
 bool json_node::boolean() const
 {
-    if (!value_->is_boolean())
+    if (value().type != json_type::boolean)
         fail_type("true or false");
-    return value_->get<bool>();
+    return value().bits != 0;
 }
 
-std::string json_node::text() const
+std::string_view json_node::text() const
 {
-    if (!value_->is_string())
+    if (!is_text())
         fail_type("a text");
-    return value_->get<std::string>();
+    return document_->text_at(index_);
 }
 
 byte_buffer json_node::hex() const
 {
-    const std::string digits = value_->is_string() ? value_->get<std::string>() : "?";
+    const std::string_view digits = is_text() ? text() : "?";
     byte_buffer bytes(digits.size() / 2);
     bool good = digits.size() % 2 == 0;
     for (size_t i = 0; good && i < bytes.size(); ++i) {

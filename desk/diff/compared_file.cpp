@@ -22,7 +22,8 @@ namespace {
 
 bool is_scene(const std::string &name, byte_view bytes)
 {
-    return read_document(name, text_of(bytes)).find("frames").has_value();
+    const json_document document = parse_json(name, text_of(bytes));
+    return json_node(document).find("frames").has_value();
 }
 
 // The values of a dump are results, which settings do not reach.

@@ -153,17 +153,19 @@ frame_inputs read_frame(const json_node &node)
 }
 
 // Every frame is a merge patch on the inputs of the frame before it, unless it says "inherit": false.
-std::vector<frame_inputs> read_frames(const json_node &list, const std::string &file)
+std::vector<frame_inputs> read_frames(const json_node &list)
 {
-    const json_node nothing = read_document(file, "{}");
     std::vector<frame_inputs> frames;
-    json_node inputs = nothing;
+    frames.reserve(list.items().size());
+    std::optional<json_document> before;
     for (const json_node &node : list.items()) {
         const std::optional<json_node> name = node.find("name");
         const std::optional<json_node> inherit = node.find("inherit");
-        const json_node &base = inherit && !inherit->boolean() ? nothing : inputs;
-        inputs = base.patched(node, {"name", "inherit", "comment"});
-        frames.push_back(read_frame(inputs));
+        const bool inherits = before && (!inherit || inherit->boolean());
+        json_document inputs =
+            node.patch(inherits ? std::optional<json_node>(*before) : std::nullopt, {"name", "inherit", "comment"});
+        frames.push_back(read_frame(json_node(inputs)));
+        before = std::move(inputs);
         frames.back().name = name ? name->text() : "";
     }
     if (frames.empty())
@@ -198,7 +200,8 @@ std::optional<characterisation> read_characterisation(const json_node &parent)
 
 scene read_scene(const std::string &file, std::string_view text)
 {
-    const json_node root = read_document(file, text);
+    const json_document document = parse_json(file, text);
+    const json_node root(document);
     root.expect_names({"grid", "cmc", "frames"});
 
     scene result = {};
@@ -208,7 +211,7 @@ scene read_scene(const std::string &file, std::string_view text)
         result.grid_height = static_cast<uint32_t>(grid->at("height").integer(0, UINT32_MAX));
     }
     result.cmc = read_characterisation(root);
-    result.frames = read_frames(root.at("frames"), file);
+    result.frames = read_frames(root.at("frames"));
     return result;
 }
 

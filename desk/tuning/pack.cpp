@@ -42,13 +42,12 @@ void append_element(byte_buffer &bytes, element type, const json_node &node)
         bytes.push_back(static_cast<uint8_t>(value >> (8 * i)));
 }
 
-void append_row(byte_buffer &bytes, std::span<const field> row, std::span<const json_node> values)
+void append_row(byte_buffer &bytes, std::span<const field> row, const json_items &values)
 {
-    for (const field &part : row) {
-        for (const json_node &value : values.first(part.count))
-            append_element(bytes, part.type, value);
-        values = values.subspan(part.count);
-    }
+    auto value = values.begin();
+    for (const field &part : row)
+        for (size_t i = 0; i < part.count; ++i)
+            append_element(bytes, part.type, *value++);
 }
 
 size_t row_length(std::span<const field> row)
@@ -59,28 +58,29 @@ size_t row_length(std::span<const field> row)
     return length;
 }
 
-void append_rows(byte_buffer &bytes, std::span<const field> row, const std::vector<json_node> &rows)
+void append_rows(byte_buffer &bytes, std::span<const field> row, const json_items &rows)
 {
+    const size_t length = row_length(row);
     for (const json_node &each : rows)
-        append_row(bytes, row, each.items(row_length(row)));
+        append_row(bytes, row, each.items(length));
 }
 
-void append_macc(byte_buffer &bytes, std::span<const field> row, const std::vector<json_node> &entries)
+void append_macc(byte_buffer &bytes, std::span<const field> row, const json_items &entries)
 {
     for (const json_node &entry : entries) {
         entry.expect_names({"type", "key", "matrices"});
-        std::vector<json_node> values = {entry.at("type"), entry.at("key")};
+        append_element(bytes, row[0].type, entry.at("type"));
+        append_element(bytes, row[1].type, entry.at("key"));
         for (const json_node &matrix : entry.at("matrices").items(macc_matrices)) {
-            for (json_node &coefficient : matrix.items(macc_matrix_size))
-                values.push_back(std::move(coefficient));
+            for (const json_node &coefficient : matrix.items(macc_matrix_size))
+                append_element(bytes, row[2].type, coefficient);
         }
-        append_row(bytes, row, values);
     }
 }
 
-std::vector<json_node> counted_rows(const json_node &list, uint64_t limit)
+json_items counted_rows(const json_node &list, uint64_t limit)
 {
-    std::vector<json_node> rows = list.items();
+    const json_items rows = list.items();
     if (rows.size() > limit)
         list.fail(fmt::format("{} rows", rows.size()), fmt::format("at most {}", limit));
     return rows;
@@ -102,13 +102,11 @@ void append_fringe_tail(byte_buffer &bytes, const json_node &node, int64_t versi
         append_rows(bytes, fringe_extra_row(), node.at("extra").items(rows));
 }
 
-byte_buffer pack_table(const json_node &node, const record_kind &kind, int64_t version)
+void append_table(byte_buffer &bytes, const json_node &node, const record_kind &kind, int64_t version)
 {
     const bool wide = kind.has_long_rows();
     const bool is_macc = kind.layout == ISP_LAYOUT_ENTRIES;
-    const std::vector<json_node> rows =
-        counted_rows(node.at(is_macc ? "entries" : "rows"), wide ? INT32_MAX : UINT16_MAX);
-    byte_buffer bytes;
+    const json_items rows = counted_rows(node.at(is_macc ? "entries" : "rows"), wide ? INT32_MAX : UINT16_MAX);
     if (wide) {
         const std::optional<json_node> reserved = node.find("reserved");
         append(bytes, reserved ? reserved->hex(long_rows_reserved) : byte_buffer(long_rows_reserved));
@@ -122,16 +120,15 @@ byte_buffer pack_table(const json_node &node, const record_kind &kind, int64_t v
         append_rows(bytes, kind.fields, rows);
     if (kind.layout == ISP_LAYOUT_ROWS_AND_MORE)
         append_fringe_tail(bytes, node, version, rows.size());
-    return bytes;
 }
 
-byte_buffer pack_fields(const json_node &node, const record_kind &kind)
+void append_fields(byte_buffer &bytes, const json_node &node, const record_kind &kind)
 {
-    byte_buffer bytes(kind.size);
+    const size_t start = bytes.size();
+    bytes.resize(start + kind.size);
     for (const field &described : kind.fields)
         static_cast<void>(node.at(described.name));
-    read_fields(node, kind.fields, bytes.data());
-    return bytes;
+    read_fields(node, kind.fields, bytes.data() + start);
 }
 
 uint16_t read_named(const json_node &node, std::span<const std::string_view> names)
@@ -144,12 +141,11 @@ uint16_t read_named(const json_node &node, std::span<const std::string_view> nam
     return static_cast<uint16_t>(found - names.begin() + 1);
 }
 
-byte_buffer pack_rules(const json_node &node)
+void append_rules(byte_buffer &bytes, const json_node &node)
 {
-    byte_buffer bytes;
     const std::optional<json_node> reserved = node.find("reserved");
     append(bytes, reserved ? reserved->hex(rules_reserved) : byte_buffer(rules_reserved));
-    const std::vector<json_node> rules = node.at("rules").items();
+    const json_items rules = node.at("rules").items();
     append_le(bytes, static_cast<uint32_t>(rules.size()));
     for (const json_node &rule : rules) {
         rule.expect_names({"kind", "op", "threshold", "set_index", "reserved"});
@@ -164,17 +160,16 @@ byte_buffer pack_rules(const json_node &node)
         };
         append(bytes, byte_view(reinterpret_cast<const uint8_t *>(&packed), sizeof packed));
     }
-    return bytes;
 }
 
 uint16_t slot_id(const json_node &node)
 {
     const json_node slot = node.at("slot");
-    const std::string name = slot.text();
+    const std::string_view name = slot.text();
     if (name == "rules")
         return rules_id;
     const auto kinds = record_kinds();
-    const auto kind = std::ranges::find(kinds, std::string_view(name), &record_kind::name);
+    const auto kind = std::ranges::find(kinds, name, &record_kind::name);
     if (kind == kinds.end()) {
         std::vector<std::string_view> names = {"rules"};
         std::ranges::transform(kinds, std::back_inserter(names), &record_kind::name);
@@ -208,7 +203,7 @@ std::vector<std::string_view> content_names(const record_kind *kind)
     }
 }
 
-byte_buffer pack_body(const json_node &node, uint16_t id, int64_t version)
+void append_body(byte_buffer &bytes, const json_node &node, uint16_t id, int64_t version)
 {
     std::vector<std::string_view> names = {"version", "unread", "id"};
     if (node.find("slot"))
@@ -218,7 +213,7 @@ byte_buffer pack_body(const json_node &node, uint16_t id, int64_t version)
     if (node.find("bytes")) {
         names.emplace_back("bytes");
         node.expect_names(names);
-        return node.at("bytes").hex();
+        return append(bytes, node.at("bytes").hex());
     }
     const std::optional<record_place> place = find_place(id);
     const record_kind *kind = place ? place->kind : nullptr;
@@ -227,82 +222,79 @@ byte_buffer pack_body(const json_node &node, uint16_t id, int64_t version)
     names.insert(names.end(), contents.begin(), contents.end());
     node.expect_names(names);
     if (id == rules_id)
-        return pack_rules(node);
-    if (kind != nullptr && kind->layout == ISP_LAYOUT_VALUES)
-        return pack_fields(node, *kind);
-    if (kind != nullptr && kind->has_rows())
-        return pack_table(node, *kind, version);
-    return node.at("bytes").hex();
+        append_rules(bytes, node);
+    else if (kind != nullptr && kind->layout == ISP_LAYOUT_VALUES)
+        append_fields(bytes, node, *kind);
+    else if (kind != nullptr && kind->has_rows())
+        append_table(bytes, node, *kind, version);
+    else
+        append(bytes, node.at("bytes").hex());
 }
 
-byte_buffer pack_list(const json_node &node, unsigned depth);
+void append_list(byte_buffer &bytes, const json_node &node, unsigned depth);
 
-byte_buffer pack_set_container(const json_node &node, unsigned depth)
+void append_set_container(byte_buffer &bytes, const json_node &node, unsigned depth)
 {
     node.expect_names({"set_index", "version", "unread", "tagged", "header", "records", "trailing"});
     if (depth >= max_nesting)
         node.fail(fmt::format("a set container nested more than {} deep", max_nesting), "its bytes, with its id");
     const std::optional<json_node> tagged = node.find("tagged");
     const std::optional<json_node> header = node.find("header");
-    byte_buffer bytes;
     if (tagged && tagged->boolean()) {
         append_le(bytes, container_tag);
         append(bytes, header ? header->hex(container_header_size - 4) : byte_buffer(container_header_size - 4));
     } else if (header) {
         header->fail("a header", "none without \"tagged\": true");
     }
-    append(bytes, pack_list(node, depth + 1));
-    return bytes;
+    append_list(bytes, node, depth + 1);
 }
 
-byte_buffer pack_record(const json_node &node, unsigned depth)
+void append_record(byte_buffer &bytes, const json_node &node, unsigned depth)
 {
     const std::optional<json_node> given_version = node.find("version");
     const std::optional<json_node> unread = node.find("unread");
     const std::optional<json_node> set_index = node.find("set_index");
     const std::optional<json_node> given_id = node.find("id");
     const int64_t version = given_version ? given_version->integer(0, UINT8_MAX) : default_version;
-
     uint16_t id = 0;
-    byte_buffer body;
-    if (set_index) {
+    if (set_index)
         id = static_cast<uint16_t>(set_container_base + set_index->integer(1, UINT16_MAX - set_container_base));
-        body = pack_set_container(node, depth);
-    } else {
+    else
         id = given_id ? static_cast<uint16_t>(given_id->integer(0, UINT16_MAX)) : slot_id(node);
-        body = pack_body(node, id, version);
-    }
 
-    byte_buffer bytes;
-    append_le(bytes, static_cast<uint32_t>(body.size() + record_header_size));
+    const size_t start = bytes.size();
+    append_le(bytes, uint32_t{0}); // the size, once it is known
     bytes.push_back(static_cast<uint8_t>(version));
     bytes.push_back(static_cast<uint8_t>(unread ? unread->integer(0, UINT8_MAX) : 0));
     append_le(bytes, id);
-    append(bytes, body);
-    return bytes;
+    if (set_index)
+        append_set_container(bytes, node, depth);
+    else
+        append_body(bytes, node, id, version);
+    for (size_t i = 0; i < sizeof(uint32_t); ++i)
+        bytes[start + i] = static_cast<uint8_t>(uint64_t{bytes.size() - start} >> (8 * i));
 }
 
-byte_buffer pack_list(const json_node &node, unsigned depth)
+void append_list(byte_buffer &bytes, const json_node &node, unsigned depth)
 {
-    byte_buffer bytes;
     for (const json_node &record : node.at("records").items())
-        append(bytes, pack_record(record, depth));
+        append_record(bytes, record, depth);
     if (const std::optional<json_node> trailing = node.find("trailing"))
         append(bytes, trailing->hex());
-    return bytes;
 }
 
 } // namespace
 
 byte_buffer pack_container(const std::string &file, std::string_view text)
 {
-    const json_node root = read_document(file, text);
+    const json_document document = parse_json(file, text);
+    const json_node root(document);
     root.expect_names({"header", "records", "trailing"});
     byte_buffer bytes;
     append_le(bytes, container_tag);
     const std::optional<json_node> header = root.find("header");
     append(bytes, header ? header->hex(container_header_size - 4) : byte_buffer(container_header_size - 4));
-    append(bytes, pack_list(root, 0));
+    append_list(bytes, root, 0);
     if (bytes.size() > UINT32_MAX)
         fail({file, "", fmt::format("a container of {} bytes", bytes.size()), "at most 4294967295"});
     return bytes;

@@ -73,7 +73,8 @@ struct request {
 
 request read_request()
 {
-    const json_node document = read_document("request", text_of(inputs[request_input]));
+    const json_document text = parse_json("request", text_of(inputs[request_input]));
+    const json_node document(text);
     document.expect_names({"tuning", "scene", "frame", "settings"});
     request read;
     if (const std::optional<json_node> name = document.find("tuning"))
