@@ -43,41 +43,35 @@ void flatten(const json &value, const std::string &field, const std::string &ind
 
 class part_list {
   public:
-    // Everything of an object but its records, which are parts of their own.
     void add(const json &object, const std::string &name)
     {
-        json own = object;
-        own.erase("records");
         // Records of one place replace one another, so that their order is part of what they are.
         const unsigned number = ++times_[name];
         parts.push_back({number == 1 ? name : fmt::format("{} ({} of this place)", name, number), {}});
-        flatten(own, "", "", parts.back().values);
+        flatten(object, "", "", parts.back().values);
     }
 
-    void add_list(const json &list, unsigned set_index)
+    void add_list(const record_list &list, unsigned set_index)
     {
-        for (const json &record : list) {
-            if (record.contains("set_index")) {
-                const auto index = record["set_index"].get<unsigned>();
-                add(record, fmt::format("set index {}", index));
-                add_list(record["records"], index);
-            } else {
-                add(record, record_name(record, set_index));
-            }
+        for (const tuning_record &record : list) {
+            add(source_object(record), record_name(record, set_index));
+            if (record.is_set_container)
+                add_list(record.nested, record.id - unsigned{set_container_base});
         }
     }
 
     std::vector<file_part> parts;
 
   private:
-    static std::string record_name(const json &record, unsigned set_index)
+    static std::string record_name(const tuning_record &record, unsigned set_index)
     {
-        if (record.contains("set"))
-            return fmt::format("set index {}, set {}, {}", set_index, record["set"].get<unsigned>(),
-                               record["slot"].get<std::string>());
-        if (record.contains("slot"))
-            return record["slot"].get<std::string>();
-        return fmt::format("set index {}, id {}", set_index, record["id"].get<unsigned>());
+        if (record.is_set_container)
+            return fmt::format("set index {}", record.id - set_container_base);
+        if (record.place && record.place->kind != nullptr)
+            return fmt::format("set index {}, set {}, {}", set_index, record.place->set, record.place->kind->name);
+        if (record.id == rules_id)
+            return "rules";
+        return fmt::format("set index {}, id {}", set_index, record.id);
     }
 
     std::map<std::string, unsigned> times_;
@@ -87,10 +81,9 @@ class part_list {
 
 std::vector<file_part> tuning_parts(const tuning_container &container)
 {
-    const json source = container_json(container);
     part_list list;
-    list.add(source, "container");
-    list.add_list(source["records"], 0);
+    list.add(source_object(container), "container");
+    list.add_list(container.list, 0);
     return std::move(list.parts);
 }
 

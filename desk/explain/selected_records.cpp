@@ -33,7 +33,7 @@ struct set_slot {
 // Where the container holds what is filed into each slot: what comes last stays.
 void find_offsets(const record_list &list, unsigned set_index, std::map<set_slot, size_t> &offsets)
 {
-    for (const tuning_record &record : list.records) {
+    for (const tuning_record &record : list) {
         if (record.is_set_container)
             find_offsets(record.nested, record.id - unsigned{set_container_base}, offsets);
         else if (record.place && record.place->kind != nullptr)

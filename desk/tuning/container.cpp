@@ -13,83 +13,66 @@ namespace qz::desk {
 
 namespace {
 
-class container_reader {
-  public:
-    container_reader(const std::string &file, byte_view bytes) : file_(file), bytes_(bytes) {}
+void read_set_container(tuning_record &record, unsigned depth)
+{
+    record.tagged = record.body.size() >= 4 && read_le<uint32_t>(record.body, 0) == container_tag;
+    const size_t header_size = record.tagged ? container_header_size : 0;
+    record.is_set_container = record.body.size() >= header_size && depth < max_nesting;
+    if (!record.is_set_container)
+        return;
+    if (record.tagged)
+        record.header = record.body.subspan(4, container_header_size - 4);
+    record.nested =
+        record_list(record.body.subspan(header_size), record.offset + record_header_size + header_size, depth + 1);
+}
 
-    record_list read_list(size_t start, size_t length, unsigned depth)
+// Walks the records and notes what is wrong with them.
+class problem_finder {
+  public:
+    problem_finder(const std::string &file, byte_view bytes) : file_(file), bytes_(bytes) {}
+
+    void check(const record_list &list, unsigned depth)
     {
-        record_list list;
-        size_t offset = start;
-        const size_t end = start + length;
+        record_iterator next = list.begin();
+        for (; next != list.end(); ++next)
+            check_record(*next, depth);
         // Fewer than 9 bytes are no record, whatever they say.
-        while (end - offset > record_header_size) {
-            const auto size = read_le<uint32_t>(bytes_, offset);
-            if (size < record_header_size || size > end - offset) {
-                add(bad_size(size, end - offset), offset);
-                break;
-            }
-            list.records.push_back(read_record(offset, size, depth));
-            offset += size;
-        }
-        list.trailing = bytes_.subspan(offset, end - offset);
-        return list;
+        if (next.rest().size() > record_header_size)
+            add(bad_size(read_le<uint32_t>(next.rest(), 0), next.rest().size()), next.offset());
     }
 
-    std::vector<tuning_problem> take_problems() { return std::move(problems_); }
+    std::vector<tuning_problem> problems;
 
   private:
     void add(record_problem problem, size_t offset)
     {
-        problems_.push_back({problem.refused, offset, read_le<uint16_t>(bytes_, offset + 6), std::move(problem.text)});
+        problems.push_back({problem.refused, offset, read_le<uint16_t>(bytes_, offset + 6), std::move(problem.text)});
     }
 
-    void check(size_t offset, size_t size)
+    void check_bytes(size_t offset, size_t size)
     {
         if (std::optional<record_problem> problem = find_problem(bytes_.subspan(offset, size)))
             add(std::move(*problem), offset);
     }
 
-    tuning_record read_record(size_t offset, size_t size, unsigned depth)
+    void check_record(const tuning_record &record, unsigned depth)
     {
-        tuning_record record = {};
-        record.offset = offset;
-        record.version = bytes_[offset + 4];
-        record.unread = bytes_[offset + 5];
-        record.id = read_le<uint16_t>(bytes_, offset + 6);
-        record.body = bytes_.subspan(offset + record_header_size, size - record_header_size);
-        record.place = find_place(record.id);
-        check(offset, size);
-        if (record.id >= first_set_container_id)
-            read_set_container(record, depth);
-        return record;
-    }
-
-    void read_set_container(tuning_record &record, unsigned depth)
-    {
-        record.tagged = record.body.size() >= 4 && read_le<uint32_t>(record.body, 0) == container_tag;
-        const size_t header_size = record.tagged ? container_header_size : 0;
-        if (record.body.size() < header_size)
-            return;
-        if (depth >= max_nesting) {
+        check_bytes(record.offset, record.size());
+        if (record.is_set_container) {
+            check(record.nested, depth + 1);
+        } else if (record.id >= first_set_container_id && depth >= max_nesting) {
             add({"", false, fmt::format("found a set container nested more than {} deep, shown as bytes", max_nesting)},
                 record.offset);
-            check_nested(record.body.subspan(header_size));
-            return;
+            check_nested(record);
         }
-        record.is_set_container = true;
-        if (record.tagged)
-            record.header = record.body.subspan(4, container_header_size - 4);
-        record.nested =
-            read_list(record.offset + record_header_size + header_size, record.body.size() - header_size, depth + 1);
     }
 
-    // Records that are not kept.
-    void check_nested(byte_view records)
+    // The records of a set container that is kept as bytes.
+    void check_nested(const tuning_record &set_container)
     {
         const auto offset_of = [&](const uint8_t *place) { return static_cast<size_t>(place - bytes_.data()); };
         const auto check_record = [&](const walked_record &record) -> uint32_t {
-            check(offset_of(record.bytes), record.size);
+            check_bytes(offset_of(record.bytes), record.size);
             return ISP_SUCCESS;
         };
         const auto check_size = [&](const uint8_t *place, uint32_t left) -> uint32_t {
@@ -98,16 +81,55 @@ class container_reader {
                 add(bad_size(size, left), offset_of(place));
             return ISP_SUCCESS;
         };
-        if (walk({records.data(), static_cast<uint32_t>(records.size())}, check_record, check_size) != ISP_SUCCESS)
+        qz::record_list nested = {};
+        if (nested_list(&bytes_[set_container.offset], static_cast<uint32_t>(set_container.size()), nested) &&
+            walk(nested, check_record, check_size) != ISP_SUCCESS)
             fail({file_, "", "out of memory", ""});
     }
 
     const std::string &file_;
     byte_view bytes_;
-    std::vector<tuning_problem> problems_;
 };
 
 } // namespace
+
+bool record_iterator::operator==(std::default_sentinel_t) const
+{
+    if (rest_.size() <= record_header_size)
+        return true;
+    const auto size = read_le<uint32_t>(rest_, 0);
+    return size < record_header_size || size > rest_.size();
+}
+
+record_iterator &record_iterator::operator++()
+{
+    const auto size = read_le<uint32_t>(rest_, 0);
+    rest_ = rest_.subspan(size);
+    offset_ += size;
+    return *this;
+}
+
+tuning_record record_iterator::operator*() const
+{
+    tuning_record record = {};
+    record.offset = offset_;
+    record.version = rest_[4];
+    record.unread = rest_[5];
+    record.id = read_le<uint16_t>(rest_, 6);
+    record.body = rest_.subspan(record_header_size, read_le<uint32_t>(rest_, 0) - record_header_size);
+    record.place = find_place(record.id);
+    if (record.id >= first_set_container_id)
+        read_set_container(record, depth_);
+    return record;
+}
+
+byte_view record_list::trailing() const
+{
+    record_iterator next = begin();
+    while (next != end())
+        ++next;
+    return next.rest();
+}
 
 bool tuning_container::has_errors() const
 {
@@ -124,13 +146,10 @@ tuning_container read_container(const std::string &file, byte_view bytes)
     if (bytes.size() > UINT32_MAX)
         fail({file, "", fmt::format("{} bytes", bytes.size()), "at most 4294967295"});
 
-    container_reader reader(file, bytes);
-    tuning_container container;
-    container.header = bytes.subspan(4, container_header_size - 4);
-    container.list = reader.read_list(container_header_size, bytes.size() - container_header_size, 0);
-    container.problems = reader.take_problems();
-    std::ranges::stable_sort(container.problems, {}, &tuning_problem::offset);
-    return container;
+    const record_list list(bytes.subspan(container_header_size), container_header_size, 0);
+    problem_finder finder(file, bytes);
+    finder.check(list, 0);
+    return {bytes.subspan(4, container_header_size - 4), list, std::move(finder.problems)};
 }
 
 std::string problem_text(const tuning_problem &problem)

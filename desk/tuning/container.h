@@ -1,7 +1,9 @@
 // A tuning container taken apart: its records, what is wrong with them, and their bytes.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,9 +18,44 @@ constexpr unsigned max_nesting = 64;
 
 struct tuning_record;
 
-struct record_list {
-    std::vector<tuning_record> records;
-    byte_view trailing; // what the walk leaves unread: up to 8 bytes, or all from a record of bad size on
+// Goes from record to record in a file's bytes, and takes each apart when it is asked for.
+class record_iterator {
+  public:
+    using value_type = tuning_record;
+    using difference_type = std::ptrdiff_t;
+
+    record_iterator() = default;
+    record_iterator(byte_view rest, size_t offset, unsigned depth) : rest_(rest), offset_(offset), depth_(depth) {}
+
+    tuning_record operator*() const;
+    record_iterator &operator++();
+    void operator++(int) { ++*this; }
+    bool operator==(std::default_sentinel_t) const;
+
+    byte_view rest() const { return rest_; } // of the list, from the record on
+    size_t offset() const { return offset_; }
+
+  private:
+    byte_view rest_;
+    size_t offset_ = 0;
+    unsigned depth_ = 0; // set containers around the list
+};
+
+// Records one behind the other. There may be millions: the list is where they lie, no copy.
+class record_list {
+  public:
+    record_list() = default;
+    record_list(byte_view bytes, size_t offset, unsigned depth) : begin_(bytes, offset, depth) {}
+
+    record_iterator begin() const { return begin_; }
+    static std::default_sentinel_t end() { return {}; }
+    bool empty() const { return begin_ == end(); }
+
+    // What the walk leaves unread: up to 8 bytes, or all from a record of bad size on.
+    byte_view trailing() const;
+
+  private:
+    record_iterator begin_;
 };
 
 struct tuning_record {

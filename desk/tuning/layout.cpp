@@ -68,7 +68,7 @@ constexpr std::array groups = {ISP_TUNING_GROUPS(QZ_GROUP)};
 constexpr uint8_t dropped_in_320[] = {ISP_TUNING_DROPPED_IN_320(QZ_DROPPED)};
 #undef QZ_DROPPED
 
-uint8_t offset_in(const record_kind &kind, uint16_t family)
+constexpr uint8_t offset_in(const record_kind &kind, uint16_t family)
 {
     switch (family) {
     case 320: return kind.in_320;
@@ -76,6 +76,18 @@ uint8_t offset_in(const record_kind &kind, uint16_t family)
     default: return kind.in_1536;
     }
 }
+
+// By id offset; null: none.
+constexpr auto kinds_in(uint16_t family)
+{
+    std::array<const record_kind *, ISP_TUNING_GROUP_IDS> found = {};
+    for (const record_kind &kind : kinds) {
+        if (const uint8_t offset = offset_in(kind, family); offset != 0)
+            found[offset] = &kind;
+    }
+    return found;
+}
+constexpr std::array kinds_by_offset = {kinds_in(families[0]), kinds_in(families[1]), kinds_in(families[2])};
 
 } // namespace
 
@@ -120,10 +132,8 @@ std::optional<record_place> find_place(uint16_t id)
         if (id < group.first || id >= group.first + ISP_TUNING_GROUP_IDS)
             continue;
         const auto offset = static_cast<uint8_t>(id - group.first);
-        const auto kind = std::ranges::find_if(record_kinds(), [&](const record_kind &each) {
-            return offset != 0 && offset_in(each, group.family) == offset;
-        });
-        return record_place{group.family, group.set, offset, kind == record_kinds().end() ? nullptr : &*kind};
+        const auto family = std::ranges::find(families, group.family) - families.begin();
+        return record_place{group.family, group.set, offset, kinds_by_offset[static_cast<size_t>(family)][offset]};
     }
     return std::nullopt;
 }

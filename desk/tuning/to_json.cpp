@@ -5,7 +5,6 @@
 #include <nlohmann/json.hpp>
 
 #include "desk/base/json_fields.h"
-#include "desk/base/json_text.h"
 #include "desk/tuning/source_names.h"
 
 namespace qz::desk {
@@ -132,8 +131,6 @@ bool add_contents(json &result, const tuning_record &record)
     return kind.has_rows() && add_table(result, record, kind);
 }
 
-json list_json(const record_list &list);
-
 void add_version(json &result, const tuning_record &record)
 {
     result["version"] = record.version;
@@ -141,24 +138,73 @@ void add_version(json &result, const tuning_record &record)
         result["unread"] = record.unread;
 }
 
-json set_container_json(const tuning_record &record)
+// Members that a list of records has around it, in their order.
+struct list_surroundings {
+    json before = json::object();
+    json after = json::object();
+
+    json whole() const
+    {
+        json both = before;
+        both.update(after);
+        return both;
+    }
+};
+
+json trailing_json(const record_list &list)
 {
-    json result = {{"set_index", record.id - set_container_base}};
-    add_version(result, record);
+    const byte_view bytes = list.trailing();
+    return bytes.empty() ? json::object() : json{{"trailing", hex_text(bytes)}};
+}
+
+list_surroundings surroundings_of(const tuning_record &record)
+{
+    list_surroundings result = {{{"set_index", record.id - set_container_base}}, trailing_json(record.nested)};
+    add_version(result.before, record);
     if (record.tagged)
-        result["tagged"] = true;
+        result.before["tagged"] = true;
     if (!all_zero(record.header))
-        result["header"] = hex_text(record.header);
-    result["records"] = list_json(record.nested);
-    if (!record.nested.trailing.empty())
-        result["trailing"] = hex_text(record.nested.trailing);
+        result.before["header"] = hex_text(record.header);
     return result;
 }
 
-json record_json(const tuning_record &record)
+list_surroundings surroundings_of(const tuning_container &container)
+{
+    list_surroundings result = {json::object(), trailing_json(container.list)};
+    if (!all_zero(container.header))
+        result.before["header"] = hex_text(container.header);
+    return result;
+}
+
+void write_with_records(json_writer &writer, list_surroundings around, const record_list &list)
+{
+    if (list.empty()) {
+        around.before["records"] = json::array();
+        writer.write(around.whole());
+        return;
+    }
+    writer.open(around.before, "records");
+    for (const tuning_record &record : list) {
+        writer.begin_item();
+        if (record.is_set_container)
+            write_with_records(writer, surroundings_of(record), record.nested);
+        else
+            writer.write(source_object(record));
+    }
+    writer.close(around.after);
+}
+
+} // namespace
+
+json source_object(const tuning_container &container)
+{
+    return surroundings_of(container).whole();
+}
+
+json source_object(const tuning_record &record)
 {
     if (record.is_set_container)
-        return set_container_json(record);
+        return surroundings_of(record).whole();
 
     json result = json::object();
     if (record.place && record.place->kind != nullptr) {
@@ -179,30 +225,18 @@ json record_json(const tuning_record &record)
     return result;
 }
 
-json list_json(const record_list &list)
+void write_source(const tuning_container &container, const text_sink &sink)
 {
-    json records = json::array();
-    for (const tuning_record &record : list.records)
-        records.push_back(record_json(record));
-    return records;
-}
-
-} // namespace
-
-json container_json(const tuning_container &container)
-{
-    json result = json::object();
-    if (!all_zero(container.header))
-        result["header"] = hex_text(container.header);
-    result["records"] = list_json(container.list);
-    if (!container.list.trailing.empty())
-        result["trailing"] = hex_text(container.list.trailing);
-    return result;
+    json_writer writer(sink);
+    write_with_records(writer, surroundings_of(container), container.list);
+    writer.finish();
 }
 
 std::string container_source(const tuning_container &container)
 {
-    return json_text(container_json(container));
+    std::string text;
+    write_source(container, [&](std::string_view part) { text += part; });
+    return text;
 }
 
 } // namespace qz::desk

@@ -4,11 +4,16 @@
 #include <string>
 
 #include "desk/base/json.h"
+#include "desk/base/json_text.h"
 #include "desk/tuning/container.h"
 
 namespace qz::desk {
 
-json container_json(const tuning_container &container);
+// What stands in the source of a container, or of a record, without the records inside.
+json source_object(const tuning_container &container);
+json source_object(const tuning_record &record);
+
+void write_source(const tuning_container &container, const text_sink &sink);
 std::string container_source(const tuning_container &container);
 
 } // namespace qz::desk

@@ -37,7 +37,7 @@ using placed_records = std::map<std::string, tuning_record>;
 
 void find_records(const record_list &list, unsigned set_index, std::map<std::string_view, placed_records> &found)
 {
-    for (const tuning_record &record : list.records) {
+    for (const tuning_record &record : list) {
         if (record.is_set_container)
             find_records(record.nested, record.id - unsigned{set_container_base}, found);
         else if (record.place && record.place->kind != nullptr && !record.place->kind->fields.empty())

@@ -14,7 +14,13 @@ int show_tuning(const tuning_show_options &options)
     const std::string name = input_name(options.file);
     const desk::byte_buffer bytes = desk::container_bytes(name, read_file(options.file));
     const desk::tuning_container container = desk::read_container(name, bytes);
-    write_text("-", options.as_json ? desk::container_source(container) : tuning_text(container));
+    output_file output("-");
+    const auto write = [&](std::string_view text) { output.write(text); };
+    if (options.as_json)
+        desk::write_source(container, write);
+    else
+        write_tuning_text(container, write);
+    output.finish();
     for (const desk::tuning_problem &problem : container.problems)
         print_problem(name, problem);
     return print_verdict(name, bytes) ? exit_success : exit_failure;

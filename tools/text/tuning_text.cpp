@@ -1,8 +1,8 @@
 #include "tools/text/tuning_text.h"
 
+#include <algorithm>
 #include <iterator>
-#include <map>
-#include <utility>
+#include <unordered_map>
 
 #include <fmt/format.h>
 
@@ -12,33 +12,38 @@ using namespace desk;
 
 namespace {
 
-// A slot of one set of one set index; the rule record has a slot of its own.
-using slot_key = std::pair<unsigned, std::string>;
+// Written at a time.
+constexpr size_t enough = 65536;
 
-std::optional<slot_key> key_of(const tuning_record &record, unsigned set_index)
+// A number for each slot of one set of one set index; the rule record has a slot of its own.
+std::optional<uint32_t> key_of(const tuning_record &record, unsigned set_index)
 {
     if (record.id == rules_id)
-        return slot_key(0, "rules");
+        return 0;
     if (!record.place || record.place->kind == nullptr)
         return std::nullopt;
-    return slot_key(set_index, fmt::format("{} {}", record.place->set, record.place->kind->slot));
+    const auto same_slot = [&](const record_kind &kind) { return kind.slot == record.place->kind->slot; };
+    const auto slot = std::ranges::find_if(record_kinds(), same_slot) - record_kinds().begin();
+    return (set_index << 16 | uint32_t{record.place->set} << 8 | static_cast<uint32_t>(slot)) + 1;
 }
 
 class list_printer {
   public:
-    std::string print(const tuning_container &container)
+    explicit list_printer(const text_sink &sink) : sink_(sink) {}
+
+    void print(const tuning_container &container)
     {
         find_last(container.list, 0);
         line("offset", "id", "family", "set", "slot", "version", "rows", "size", "");
         print_list(container.list, 0, 0);
-        return std::move(text_);
+        sink_(text_);
     }
 
   private:
     void find_last(const record_list &list, unsigned set_index)
     {
-        for (const tuning_record &record : list.records) {
-            if (const std::optional<slot_key> key = key_of(record, set_index))
+        for (const tuning_record &record : list) {
+            if (const std::optional<uint32_t> key = key_of(record, set_index))
                 last_[*key] = record.offset;
             find_last(record.nested, record.id - unsigned{set_container_base});
         }
@@ -47,9 +52,14 @@ class list_printer {
     template <typename... Columns>
     void line(const Columns &...columns)
     {
-        std::string made = fmt::format("{:>8}  {:>5}  {:>6}  {:>3}  {:<30}  {:>7}  {:>5}  {:>7}  {}", columns...);
-        made.erase(made.find_last_not_of(' ') + 1);
-        text_ += made + "\n";
+        fmt::format_to(std::back_inserter(text_), "{:>8}  {:>5}  {:>6}  {:>3}  {:<30}  {:>7}  {:>5}  {:>7}  {}",
+                       columns...);
+        text_.erase(text_.find_last_not_of(' ') + 1);
+        text_ += '\n';
+        if (text_.size() >= enough) {
+            sink_(text_);
+            text_.clear();
+        }
     }
 
     std::string note(const tuning_record &record, unsigned set_index) const
@@ -58,7 +68,7 @@ class list_printer {
             return record.tagged ? "with a header of its own" : "";
         if (record.place && record.place->kind == nullptr)
             return "dropped";
-        const std::optional<slot_key> key = key_of(record, set_index);
+        const std::optional<uint32_t> key = key_of(record, set_index);
         if (!key)
             return "skipped";
         const size_t last = last_.at(*key);
@@ -81,24 +91,25 @@ class list_printer {
 
     void print_list(const record_list &list, unsigned set_index, unsigned depth)
     {
-        for (const tuning_record &record : list.records) {
+        for (const tuning_record &record : list) {
             print_record(record, set_index, depth);
             print_list(record.nested, record.id - unsigned{set_container_base}, depth + 1);
         }
-        if (!list.trailing.empty())
+        if (const byte_view trailing = list.trailing(); !trailing.empty())
             fmt::format_to(std::back_inserter(text_), "{:>8}  {}{} bytes that are no record\n", "",
-                           std::string(size_t{2} * depth, ' '), list.trailing.size());
+                           std::string(size_t{2} * depth, ' '), trailing.size());
     }
 
-    std::map<slot_key, size_t> last_;
-    std::string text_;
+    const text_sink &sink_;
+    std::unordered_map<uint32_t, size_t> last_;
+    std::string text_; // not written yet
 };
 
 } // namespace
 
-std::string tuning_text(const tuning_container &container)
+void write_tuning_text(const tuning_container &container, const text_sink &sink)
 {
-    return list_printer().print(container);
+    list_printer(sink).print(container);
 }
 
 } // namespace qz::tool

@@ -1,12 +1,11 @@
 // The list of a container's records.
 #pragma once
 
-#include <string>
-
+#include "desk/base/json_text.h"
 #include "desk/tuning/container.h"
 
 namespace qz::tool {
 
-std::string tuning_text(const desk::tuning_container &container);
+void write_tuning_text(const desk::tuning_container &container, const desk::text_sink &sink);
 
 } // namespace qz::tool
