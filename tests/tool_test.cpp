@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -72,6 +73,63 @@ TEST_F(program, shows_what_is_wrong_with_a_container)
     EXPECT_EQ(used.out, "");
 }
 
+TEST_F(program, shows_the_values_of_a_tuning)
+{
+    write("tuning.json", R"({"records": [
+        {"slot": "rules", "rules": [{"kind": "aux_size", "op": "<", "threshold": 0.5, "set_index": 1}]},
+        {"slot": "xnr", "family": 320, "set": 0, "rows": [[1, 2]]},
+        {"slot": "xnr", "family": 320, "set": 0, "rows": [[256, 10], [1024, 40000]]},
+        {"set_index": 1, "records": [{"slot": "xnr", "family": 320, "set": 2, "rows": []}, {"id": 700, "bytes": "00ff"}]},
+        {"slot": "rec_13", "family": 768, "set": 1, "value": [7, 80]},
+        {"slot": "edge_enhancement", "family": 320, "set": 0, "bytes": "0300000101000200030000ab"},
+        {"slot": "fringe_control", "family": 320, "set": 0, "version": 102, "rows": [[1, 2, 3, 4, 5, 6, 7, -8, 9]],
+         "count2": 10, "extra": [[11, 12, 13, 14]]}]})");
+    ASSERT_EQ(run("tuning pack tuning.json tuning.vuxb").code, 0);
+    const std::pair<const char *, const char *> cases[] = {
+        {"'xnr[0/0]'", ": offset 70, id 335, version 100, 2 rows\n"
+                       "        key  param\n        256     10\n       1024  40000\n"},
+        {"'xnr[2/1]'", ": offset 96, id 399, version 100, 0 rows\n"},
+        {"rec_13", "rec_13[1/0]: offset 116, id 911, version 100\n       value                  7 80\n"},
+        {"911", "rec_13[1/0]: offset 116, "},
+        {"700", "700[-/1]: offset 106, id 700, version 100\n       bytes                 00ff\n"},
+        {"rules", " 1 rules\n           kind  op  threshold  set_index\n       aux_size   <        0.5          1\n"},
+        // One row of the three that it states, then bytes that are none.
+        {"edge_enhancement", "       key  param[0]  param[1]  param[2]\n       256         1         2         3\n"
+                             "       bytes                 00ab\n"},
+        {"fringe_control", "\n       count2                10\n       extra\n"
+                           "       field_0_to_3[0]  field_0_to_3[1]  field_0_to_3[2]  field_0_to_3[3]\n"
+                           "                    11               12               13               14\n"},
+    };
+    const std::string all = run("tuning show --values tuning.vuxb").out;
+    EXPECT_TRUE(contains(all, "xnr[0/0]: offset 56, "));
+    for (const auto &[record, text] : cases) {
+        for (const char *file : {"tuning.vuxb ", "tuning.json "}) {
+            const result made = run(std::string("tuning show ") + file + record);
+            EXPECT_EQ(made.code, 0) << record;
+            EXPECT_TRUE(contains(made.out, text)) << file << record << "\n" << made.out;
+            EXPECT_TRUE(contains(all, made.out)) << record;
+        }
+    }
+    EXPECT_EQ(json::parse(run("tuning show --json tuning.vuxb 'xnr[0/0]'").out)["rows"],
+              json::parse("[[256,10],[1024,40000]]"));
+}
+
+TEST_F(program, lists_names_that_it_takes)
+{
+    write("scene.json", R"({"frames": [{"name": "dusk", "lsc": {"width": 1, "height": 1, "enable": 0,
+                                        "grid": [null, null, null, null]}}]})");
+    std::istringstream lines(run("sweep --list --scene scene.json").out);
+    std::map<std::string, int> counts;
+    for (std::string what, name, rest; lines >> what >> name && std::getline(lines, rest);) {
+        if (what == "frame" || counts[what]++ % 16 != 0)
+            continue;
+        const std::string asked = what == "field" ? "'" + name + "'" : "checksum --set '" + name + "=1'";
+        EXPECT_EQ(run("get --scene scene.json " + asked).code, 0) << name;
+    }
+    for (const char *what : {"input", "tuning", "field"})
+        EXPECT_GT(counts[what], 25) << what;
+}
+
 TEST_F(program, reports_errors_with_exit_codes)
 {
     write("short", "VUXB");
@@ -84,6 +142,8 @@ TEST_F(program, reports_errors_with_exit_codes)
     write("bare.json", R"({"frames": [{}]})");
     write("empty.json", R"({"records": []})");
     write("note", std::string("QMKN\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0", 24));
+    write("tuning.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "rows": []},
+                                         {"slot": "xnr", "family": 320, "set": 1, "rows": []}]})");
     write("nested.json", R"({"records": [{"set_index": 1, "records": [{"slot": "zoom"}]}]})");
     const std::tuple<const char *, int, const char *> cases[] = {
         {"", 2, "\n  run "},
@@ -111,6 +171,10 @@ TEST_F(program, reports_errors_with_exit_codes)
         {"run --frame ''", 2, "--frame: found \"\""},
         {"tuning", 2, "qz-isp: tuning: found no command, expected one of pack, show"},
         {"tuning pack rows.json", 2, "OUT is required"},
+        {"tuning show nested.json --values --json", 2, "excludes"},
+        {"tuning show tuning.json xn", 1, "tuning.json: record xn: found none of that name, expected one of xnr; did"},
+        {"tuning show tuning.json xnr", 1, "record xnr: found xnr, expected its set and set index: xnr[0/0], xnr[1/0]"},
+        {"tuning show tuning.json xnr[0/0].key", 1, "found \".key\", expected a record, not a value of it"},
         {"run --tuning absent", 1, "qz-isp: absent: cannot be opened: No such file"},
         {"tuning show short", 1, "qz-isp: short: found 4 bytes, expected a container of at least 24 bytes"},
         {"run --tuning other", 1, "qz-isp: other: offset 0: found the bytes 504b3334, expected the tag \"VUXB\""},

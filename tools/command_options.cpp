@@ -82,7 +82,8 @@ void add_get(CLI::App &app, chosen_command &chosen)
 {
     const auto options = std::make_shared<get_options>();
     CLI::App *command = app.add_subcommand("get", "Print values of a frame's record by their names");
-    command->add_option("FIELDS", options->fields, "Names as of sweep --fields, with commas between")->required();
+    command->add_option("FIELDS", options->fields, "Names of values as sweep has them, with commas between")
+        ->required();
     add_inputs(*command, options->inputs);
     add_frame(*command, options->frame, "Frame to take, by number or name; else the last");
     add_settings(*command, options->settings);
@@ -114,7 +115,6 @@ void add_sweep(CLI::App &app, chosen_command &chosen)
             "--over", options->choice.over,
             "NAME=FIRST..LAST:STEP, NAME=FIRST..LAST*FACTOR or NAME=VALUE,VALUE; the last one given runs fastest")
         ->type_name("RANGE")
-        ->required()
         ->allow_extra_args(false);
     command
         ->add_option("--fields", options->choice.fields,
@@ -134,6 +134,8 @@ void add_sweep(CLI::App &app, chosen_command &chosen)
         ->type_name("N")
         ->check(CLI::Range(1, 1024));
     command->add_option("--output", options->output, "Write here instead of standard output")->type_name("FILE");
+    command->add_flag("--list", options->list,
+                      "Print instead, one a line, the inputs, values of the tuning, fields and frames that there are");
     command->footer(
         "FILE may be - for standard input or output.\n\n"
         "Example: edge enhancement over gain and sharpness\n"
@@ -172,9 +174,14 @@ void add_tuning_show(CLI::App &group, chosen_command &chosen)
     const auto options = std::make_shared<tuning_show_options>();
     CLI::App *command = group.add_subcommand("show", "List a tuning's records and what is wrong with them");
     command->add_option("FILE", options->file, "Container, or its JSON source, or -")->required();
-    command->add_flag("--json", options->as_json, "Print the JSON source that packs to the same bytes");
+    command->add_option("RECORD", options->record,
+                        "Record to show alone with its values: SLOT[SET/INDEX], SLOT where there is one, or an id");
+    CLI::Option *as_json =
+        command->add_flag("--json", options->as_json, "Print the JSON source that packs to the same bytes");
+    command->add_flag("--values", options->values, "Print the values of every record")->excludes(as_json);
     command->footer("Exit code 1 when the library refuses the container.\n\n"
-                    "Example:\n  qz-isp tuning show sensor.vuxb");
+                    "Example: the rows of a record of set 0 of set index 2\n"
+                    "  qz-isp tuning show sensor.vuxb 'xnr[0/2]'");
     on_choice(*command, chosen, options, show_tuning);
 }
 

@@ -24,14 +24,34 @@ void value_option::fail(std::string found, std::string expected) const
     desk::fail({std::nullopt, fmt::format("{} {}", option, text), std::move(found), std::move(expected)});
 }
 
-double named_value::least() const
+namespace {
+
+double least_of(element type)
 {
     return visit_type(type, [](auto typed) { return double{std::numeric_limits<decltype(typed)>::lowest()}; });
 }
 
-double named_value::most() const
+double most_of(element type)
 {
     return visit_type(type, [](auto typed) { return double{std::numeric_limits<decltype(typed)>::max()}; });
+}
+
+} // namespace
+
+std::string values_of(element type)
+{
+    return type == element::f32 ? "a number within single precision"
+                                : fmt::format("an integer from {} to {}", least_of(type), most_of(type));
+}
+
+double named_value::least() const
+{
+    return least_of(type);
+}
+
+double named_value::most() const
+{
+    return most_of(type);
 }
 
 bool named_value::is_whole() const
@@ -49,8 +69,7 @@ double named_value::read(const value_option &option, std::string_view text) cons
     const std::optional<double> number = number_of(text);
     const bool fits = number && *number >= least() && *number <= most();
     if (!fits || (is_whole() && *number != std::floor(*number)))
-        option.fail(fmt::format("\"{}\"", text), is_whole() ? fmt::format("an integer from {} to {}", least(), most())
-                                                            : "a number within single precision");
+        option.fail(fmt::format("\"{}\"", text), values_of(type));
     return *number;
 }
 

@@ -26,6 +26,16 @@ struct value_words {
     std::string (*expected)();
 };
 
+// "an integer from 0 to 255"
+std::string values_of(element type);
+
+// A value, or those of a list, as lists of names tell it.
+struct value_names {
+    std::string first;
+    std::string last; // empty for a value alone
+    std::string values;
+};
+
 struct named_value {
     std::string name;
     element type;

@@ -20,20 +20,6 @@ bool is_used(const field &described)
 
 constexpr std::string_view effects_name = "effects";
 
-std::string known_names(std::string_view found)
-{
-    std::vector<std::string> names = {std::string(gain_name), std::string(effects_name), "lsc.enable"};
-    for (const input_group &group : input_groups()) {
-        const std::string prefix = group.path.empty() ? "" : fmt::format("{}.", group.path);
-        for (const field &described : group.fields) {
-            if (is_used(described))
-                names.push_back(element_names(described, prefix));
-        }
-    }
-    const std::vector<std::string_view> views(names.begin(), names.end());
-    return one_of(views, found);
-}
-
 // Effects joined with "+", as a flag word.
 std::optional<double> effects_word(std::string_view text)
 {
@@ -48,9 +34,21 @@ std::optional<double> effects_word(std::string_view text)
     return word;
 }
 
-constexpr value_words effect_words = {
-    effects_word,
-    [] { return fmt::format("a flag word, or names joined with + of {}", fmt::join(effect_names, ", ")); }};
+std::string expected_effects()
+{
+    return fmt::format("a flag word, or names joined with + of {}", fmt::join(effect_names, ", "));
+}
+
+constexpr value_words effect_words = {effects_word, expected_effects};
+
+std::string known_names(std::string_view found)
+{
+    std::vector<std::string> names;
+    for (const value_names &each : input_names())
+        names.push_back(each.last.empty() ? each.first : fmt::format("{} to {}", each.first, each.last));
+    const std::vector<std::string_view> views(names.begin(), names.end());
+    return one_of(views, found);
+}
 
 } // namespace
 
@@ -78,6 +76,23 @@ named_value find_input(const value_option &option, std::string_view name, frame_
         return {std::string(name), part->described->type, place};
     }
     option.fail(fmt::format("the name \"{}\"", name), known_names(name));
+}
+
+std::vector<value_names> input_names()
+{
+    std::vector<value_names> names = {{std::string(gain_name), "", values_of(element::f32)},
+                                      {std::string(effects_name), "", expected_effects()},
+                                      {"lsc.enable", "", values_of(element::u8)}};
+    for (const input_group &group : input_groups()) {
+        const std::string prefix = group.path.empty() ? "" : fmt::format("{}.", group.path);
+        for (const field &described : group.fields) {
+            if (is_used(described))
+                names.push_back({prefix + element_name(described, 0),
+                                 described.count > 1 ? prefix + element_name(described, described.count - 1) : "",
+                                 values_of(described.type)});
+        }
+    }
+    return names;
 }
 
 } // namespace qz::desk

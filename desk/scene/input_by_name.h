@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 #include "desk/base/named_value.h"
 #include "desk/scene/scene.h"
@@ -13,5 +14,8 @@ constexpr std::string_view gain_name = "gain";
 
 // Makes the struct that holds the input first, correcting nothing, where the frame has none. Fails at other names.
 named_value find_input(const value_option &option, std::string_view name, frame_inputs &inputs);
+
+// Of every input that find_input() knows.
+std::vector<value_names> input_names();
 
 } // namespace qz::desk

@@ -31,7 +31,33 @@ function(check_command)
   endforeach()
 endfunction()
 
+# What bash completes at the end of a line is, among other words, one after the other: each a regular expression.
+function(check_names line)
+  list(REMOVE_ITEM PROGRAM "") # without an emulator
+  list(JOIN PROGRAM "' '" program)
+  execute_process(
+    COMMAND bash -c "source '${TOOLS}/qz-isp.bash'
+      qz-isp() { '${program}' \"$@\"; }
+      COMP_LINE=\"${line}\" COMP_POINT=\${#COMP_LINE} && _qz_isp && echo \" \${COMPREPLY[*]} \""
+    OUTPUT_VARIABLE completed COMMAND_ERROR_IS_FATAL ANY)
+  list(JOIN ARGN " (.* )?" names)
+  if(NOT completed MATCHES "^ (.* )?${names} ")
+    message(SEND_ERROR "bash completes \"${line}\" with${completed}")
+  endif()
+endfunction()
+
+set(sample "${TOOLS}/sample")
+check_names("qz-isp run --set hu" hue=)
+check_names("qz-isp report --set colour.c" "colour[.]ccm[[]0]=")
+check_names("qz-isp sweep --over tuning:x" "xnr[[]0/0][.]rows[[]0][.]key=" "xnr[[]0/2][.]rows[[]0][.]param=")
+check_names("qz-isp run --tuning '${sample}/scene.json' --set hu")
+check_names("qz-isp get --scene ${sample}/scene.json noise_reduction.p" "noise_reduction[.]param")
+check_names("qz-isp sweep --over hue=1 --fields checksum,xnr." "checksum,xnr[.]param" "checksum,xnr[.]weight")
+check_names("qz-isp run --scene ${sample}/scene.json --frame " all preview still)
+check_names("qz-isp tuning show ${sample}/tuning.json xnr" "xnr[[]0/0]" "xnr[[]0/2]")
+
 check_command()
+check_command(get)
 check_command(run)
 check_command(report)
 check_command(sweep)

@@ -50,6 +50,7 @@ struct sweep_options {
     bool no_header = false;
     std::string output = "-";
     std::optional<uint32_t> jobs; // threads; else as many as there are processors
+    bool list = false;            // print the names there are instead
 };
 int sweep(const sweep_options &options);
 
@@ -68,10 +69,12 @@ struct tuning_pack_options {
 };
 int pack_tuning(const tuning_pack_options &options);
 
-// tuning show: the records of a container and what is wrong with them.
+// tuning show: the records of a container or their values, and what is wrong with them.
 struct tuning_show_options {
     std::string file;
+    std::optional<std::string> record; // by name: this one's values
     bool as_json = false;
+    bool values = false;
 };
 int show_tuning(const tuning_show_options &options);
 

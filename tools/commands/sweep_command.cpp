@@ -14,6 +14,7 @@
 #include "tools/base/progress.h"
 #include "tools/commands/commands.h"
 #include "tools/text/cells.h"
+#include "tools/text/names_text.h"
 
 namespace qz::tool {
 
@@ -160,11 +161,17 @@ void write_rows(std::deque<sweep_worker> &workers, const row_span &rows, output_
 
 int sweep(const sweep_options &options)
 {
+    if (!options.list && options.choice.over.empty())
+        throw usage_error("sweep: --over is required\nRun with --help for more information.");
     if (options.no_header && options.format != "csv")
         throw usage_error("--no-header: found JSON lines, expected CSV, which has a header");
     expect_one_standard_input(options.inputs);
     const scene setup = load_scene(options.inputs);
     const byte_buffer container = load_container(options.inputs);
+    if (options.list) {
+        write_text(options.output, names_text(setup, container), source_files(options.inputs));
+        return exit_success;
+    }
     std::deque<sweep_worker> workers;
     workers.emplace_back(options, setup, container);
     const row_span rows = workers.front().rows();
