@@ -233,6 +233,39 @@ void add_diff(CLI::App &app, chosen_command &chosen)
     on_choice(*command, chosen, options, diff);
 }
 
+void add_compare(CLI::App &app, chosen_command &chosen)
+{
+    const auto options = std::make_shared<compare_options>();
+    CLI::App *command = app.add_subcommand("compare", "Compare the records that two tunings give for a scene");
+    command->add_option("OLD", options->old_tuning, "Container, or its JSON source, or -; else the sample");
+    command->add_option("NEW", options->new_tuning, "The same; else OLD, with what --change changes");
+    command->add_option("--scene", options->scene, "JSON file of frame inputs; else the sample")->type_name("FILE");
+    add_frame(*command, options->choice.frame, "Frame to compare: its number from 0, its name; else all");
+    command
+        ->add_option("--set", options->choice.settings,
+                     "Value on both sides for an input or in the tunings, by the names of sweep; may be repeated")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+    command->add_option("--change", options->choice.changes, "The same, on the new side only")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+    command
+        ->add_option("--over", options->choice.over,
+                     "Compare one frame, else the last, over a range as of sweep; may be repeated")
+        ->type_name("RANGE")
+        ->allow_extra_args(false);
+    command->add_option("--jobs", options->jobs, "Processors to use over ranges; else all")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1024));
+    CLI::Option *as_json = command->add_flag("--json", options->as_json, "Print everything as JSON");
+    command->add_flag("--all", options->all, "Print every value of long lists")->excludes(as_json);
+    command->footer("Exit codes: 0 the same, 1 different or a file is wrong, 2 wrong use of the command line.\n\n"
+                    "Example: what a new tuning changes, over all gains and in a scene\n"
+                    "  qz-isp compare old.vuxb new.json --scene night.json\n"
+                    "  qz-isp compare old.vuxb new.json --over gain=1..16*1.1 --over tuning_mode=0..2");
+    on_choice(*command, chosen, options, compare);
+}
+
 } // namespace
 
 void add_commands(CLI::App &app, chosen_command &chosen)
@@ -249,6 +282,7 @@ void add_commands(CLI::App &app, chosen_command &chosen)
     add_dump(app, chosen, "makernote", "a makernote, as the makernote library saves it", show_makernote,
              "Example: what the frames of the sample leave in the makernote\n"
              "  qz-isp run --makernote - | qz-isp makernote show -");
+    add_compare(app, chosen);
     add_diff(app, chosen);
 }
 

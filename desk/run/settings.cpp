@@ -12,10 +12,10 @@ named_value find_value(const value_option &option, std::string_view name, frame_
 }
 
 void apply_settings(const std::vector<std::string> &settings, scene &scene, const frame_choice &chosen,
-                    byte_buffer &container)
+                    byte_buffer &container, std::string_view option_name)
 {
     for (const std::string &text : settings) {
-        const value_option option = {"set", text};
+        const value_option option = {option_name, text};
         const auto [name, value] = option.name_and_value();
         for (size_t frame = chosen.first; frame < chosen.last; ++frame) {
             const named_value found = find_value(option, name, scene.frames[frame], container);

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "desk/compare/side.h"
 #include "desk/sweep/plan.h"
 #include "tools/base/inputs.h"
 
@@ -93,6 +94,18 @@ struct makernote_show_options {
     bool all = false;
 };
 int show_makernote(const makernote_show_options &options);
+
+// compare: what differs between the records that two tunings give.
+struct compare_options {
+    std::optional<std::string> old_tuning; // else the sample
+    std::optional<std::string> new_tuning; // else the old one, with the changes
+    std::optional<std::string> scene;
+    desk::side_choice choice;
+    std::optional<uint32_t> jobs; // threads; else as many as there are processors
+    bool as_json = false;
+    bool all = false;
+};
+int compare(const compare_options &options);
 
 // diff: where two record dumps, makernotes, tunings or scenes differ.
 struct diff_options {

@@ -32,13 +32,13 @@ std::string record_origin_text(const selected_record &record)
     return text;
 }
 
-std::string rows_text(const frame_origin &frame, const row_origin &rows)
+std::string rows_text(uint32_t gain, const row_origin &rows)
 {
     const auto row = [](size_t number, int64_t key) { return fmt::format("row {} (gain {})", number, key); };
     if (rows.lower == rows.upper)
-        return fmt::format("{} of {}, at gain {}", row(rows.lower, rows.lower_key), rows.count, frame.gain);
+        return fmt::format("{} of {}, at gain {}", row(rows.lower, rows.lower_key), rows.count, gain);
     return fmt::format("{} x {:.4f} + {} x {:.4f} of {}, at gain {}", row(rows.lower, rows.lower_key),
-                       1.0 - rows.weight, row(rows.upper, rows.upper_key), rows.weight, rows.count, frame.gain);
+                       1.0 - rows.weight, row(rows.upper, rows.upper_key), rows.weight, rows.count, gain);
 }
 
 } // namespace
@@ -61,7 +61,7 @@ std::string frame_origin_text(const frame_origin &frame)
     return text + "\n";
 }
 
-std::string block_origin_text(const frame_origin &frame, const block_origin &block)
+std::string block_origin_text(uint32_t gain, const block_origin &block)
 {
     const std::string_view source = origin_name(block.source);
     const bool from_record = block.source == origin::tuning;
@@ -74,7 +74,7 @@ std::string block_origin_text(const frame_origin &frame, const block_origin &blo
     if (from_record && !block.why.empty())
         text += labelled_line("with", block.why);
     if (block.rows)
-        text += labelled_line("rows", rows_text(frame, *block.rows));
+        text += labelled_line("rows", rows_text(gain, *block.rows));
     if (block.rows && !block.controls.empty())
         text += labelled_line("tuned", fmt::format("{}", fmt::join(block.rows->values, " ")));
     for (const control_origin &control : block.controls)

@@ -76,7 +76,7 @@ std::string record_text(const record_snapshot &snapshot, const std::optional<fra
         else if (origin)
             fmt::format_to(text_output(text), "  {:>3}  {:<26} not in use\n", block.id, block.name);
         if (origin)
-            text += block_origin_text(*origin, origin->blocks[block_number(block)]);
+            text += block_origin_text(origin->gain, origin->blocks[block_number(block)]);
         if (!present)
             continue;
         for (const field &described : block.fields)
