@@ -136,6 +136,8 @@ TEST_F(program, reports_errors_with_exit_codes)
     write("other", "PK34567890123456789012345678");
     write("scene.json", R"({"frames": [{"name": "a"}, {"hue": 200}]})");
     write("rows.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "rows": [[256, 70000]]}]})");
+    write("good.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "rows": [[256, 7]]}]})");
+    write("refused.json", R"({"records": [{"id": 320, "bytes": "00"}]})");
     write("name.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "row": []}]})");
     write("family.json", R"({"records": [{"slot": "xnr", "family": 768, "set": 0, "rows": []}]})");
     write("cut.json", R"({"records": [{"slot": "rec_3", "family": 320, "set": 0, "bytes": "0102"}]})");
@@ -198,6 +200,21 @@ TEST_F(program, reports_errors_with_exit_codes)
         {"diff empty.json --set hue=1", 2, "found the name \"hue\", expected one that begins with tuning:"},
         {"diff note --set hue=1", 2, "qz-isp: --set hue=1: found note, a makernote, expected a tuning or a scene"},
         {"diff note bare.json", 1, "qz-isp: bare.json: found a scene, expected a makernote as in note"},
+        {"compare", 2, "compare: found no tuning and no --change, expected NEW or --change"},
+        {"compare empty.json", 2, "compare: found one tuning and no --change, expected NEW or --change"},
+        {"compare - -", 2, "compare: found standard input for several files, expected it for one"},
+        {"compare empty.json rows.json", 1, "qz-isp: rows.json: records[0].rows[0][1]: found 70000"},
+        {"compare short empty.json", 1, "qz-isp: short: found 4 bytes, expected a container"},
+        {"compare empty.json refused.json", 1, "qz-isp: refused.json: offset 24, id 320: "},
+        {"compare empty.json empty.json --scene scene.json", 1, "qz-isp: scene.json: frames[1].hue: found 200"},
+        {"compare empty.json empty.json --frame 4", 2, "--frame: found \"4\", expected 0 to 3"},
+        {"compare empty.json empty.json --frame all --over gain=1", 2, "--frame: found 4 frames, expected one"},
+        {"compare empty.json empty.json --over gain", 2, "--over gain: found no \"=\""},
+        {"compare --change hue", 2, "qz-isp: --change hue: found no \"=\", expected NAME=VALUE"},
+        {"compare --change gain=2 --over gain=1..4", 2, "qz-isp: --change gain=2: found a value that --over gain sets"},
+        {"compare empty.json good.json --set tuning:xnr.rows[0].param=1", 2,
+         " in empty.json: found the record \"xnr\""},
+        {"compare --change hue=1 --json --all", 2, "excludes"},
         {"sweep", 2, "--over is required"},
         {"sweep --over gain", 2, "qz-isp: --over gain: found no \"=\""},
         {"sweep --over gain=1 --fields x", 2, "qz-isp: --fields \"x\": found the block \"x\""},
@@ -273,6 +290,53 @@ TEST_F(program, diff_answers_with_its_exit_code)
               "  exposure.digital_gain        nothing -> 1\n3 differences in 1 of 2 parts\n");
     EXPECT_EQ(run("diff a.json a.json").code, 0);
     EXPECT_EQ(json::parse(run("diff --json a.json a.json").out), json::parse(R"({"equal": true, "differences": []})"));
+}
+
+TEST_F(program, compare_answers_with_its_exit_code)
+{
+    write("old.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "rows": [[256, 10], [1024, 40]]}]})");
+    write("new.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "rows": [[256, 10], [1024, 46]]}]})");
+    write("scene.json", R"({"frames": [{"nr_mode": 1, "exposure": {"analog_gain": 1}},
+                                       {"name": "night", "exposure": {"analog_gain": 2.5}}]})");
+    EXPECT_EQ(run("tuning pack old.json old.vuxb").code, 0);
+    const result same = run("compare old.json old.vuxb --scene scene.json");
+    EXPECT_EQ(same.code, 0) << same.err;
+    EXPECT_EQ(same.out, "the same in 2 frames\n");
+    const result found = run("compare - new.json --scene scene.json < old.vuxb");
+    EXPECT_EQ(found.code, 1) << found.err;
+    EXPECT_EQ(found.out,
+              "xnr.param: in 1 of 2 frames\n"
+              "       first and largest     25 -> 28, frame 1 (night)\n"
+              "       old and new           frame 1 (night)\n"
+              "       from                  record xnr, id 335 version 100, set 0 of set index 0, offset 24\n"
+              "       rows                  row 0 (gain 256) x 0.5000 + row 1 (gain 1024) x 0.5000 of 2, at gain 640\n"
+              "makernote 521 xnr[0]: in 1 of 2 frames\n"
+              "       first and largest     25 -> 28, frame 1 (night)\n"
+              "1 value of the record and 1 of the makernote differ in 1 of 2 frames\n");
+    EXPECT_EQ(run("compare old.json --change tuning:xnr.rows[1].param=46 --scene scene.json").out, found.out);
+    EXPECT_EQ(run("compare --change hue=9 --over gain=1..2").code, 1);
+    EXPECT_EQ(run("compare --change hue=9 --set hue=9").code, 0) << "of a frame that has hue 0";
+
+    const json made = json::parse(run("compare old.json new.json --scene scene.json --over gain=1..4:0.25 --json").out);
+    EXPECT_EQ(made.at("rows"), 13);
+    EXPECT_EQ(made.at("different"), 11) << "the change rounds away at a gain of 1.25";
+    const json &list = made.at("differences").at(0);
+    EXPECT_EQ(list.at("list"), "xnr.param");
+    EXPECT_EQ(list.at("values").at(0).at("largest"),
+              json::parse(R"({"row": 12, "inputs": {"gain": 4.0}, "old": 40, "new": 46})"));
+    EXPECT_EQ(list.at("origins").at(1).at("new").at("record").at("offset"), 24);
+}
+
+TEST_F(program, compare_gives_the_same_with_any_number_of_jobs)
+{
+    const std::string arguments =
+        "compare --change sharpness=20 --change 'tuning:xnr[0/2].rows[0].param=7' --over gain=1..16:0.01 "
+        "--over nr_mode=0..2 ";
+    for (const char *format : {"", "--json", "--all"}) {
+        const result one = run(arguments + format + " --jobs 1");
+        EXPECT_EQ(one.code, 1) << one.err;
+        EXPECT_EQ(run(arguments + format + " --jobs 3").out, one.out);
+    }
 }
 
 TEST_F(program, sweep_writes_shards_that_are_the_whole)
@@ -355,7 +419,7 @@ TEST_F(program, shows_the_library_s_version_when_asked)
 TEST_F(program, every_help_has_an_example)
 {
     for (const char *arguments : {"--help", "run --help", "get --help", "report --help", "sample --help",
-                                  "tuning --help", "tuning pack --help", "tuning show --help"}) {
+                                  "compare --help", "tuning --help", "tuning pack --help", "tuning show --help"}) {
         const result made = run(arguments);
         EXPECT_EQ(made.code, 0) << arguments;
         EXPECT_TRUE(contains(made.out, "Example:")) << arguments;

@@ -40,7 +40,7 @@ _qz_isp()
     local words='' files=''
     case "${line[1]} $cursor" in
     *' 1')
-        words='run get report sweep diff tuning sample record makernote help --version'
+        words='run get report sweep compare diff tuning sample record makernote help --version'
         ;;
     'run '*)
         case $previous in
@@ -79,6 +79,12 @@ _qz_isp()
         *) words='--over --fields --tuning --scene --frame --set --format --no-header --shard --jobs --output --list' ;;
         esac
         ;;
+    'compare '*)
+        case $previous in
+        --frame) ;;
+        *) words='--scene --frame --set --change --over --jobs --json --all' files=yes ;;
+        esac
+        ;;
     'tuning 2')
         words='pack show'
         ;;
@@ -86,7 +92,7 @@ _qz_isp()
         [ "$cursor" = 2 ] && words='scene tuning' || files=yes
         ;;
     'help '*)
-        words='run get report sweep diff tuning sample record makernote'
+        words='run get report sweep compare diff tuning sample record makernote'
         ;;
     'record 2' | 'makernote 2')
         words=show

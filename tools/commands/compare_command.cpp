@@ -165,6 +165,7 @@ difference_tally compare_runs(std::deque<compare_worker> &workers)
     open_runs open(side.first(), side.last());
     progress_line progress(side.has_rows() ? "rows" : "frames", side.last() - side.first(), "-");
     std::vector<std::future<std::optional<failed_run>>> under_way;
+    under_way.reserve(workers.size());
     for (compare_worker &worker : workers)
         under_way.push_back(std::async(std::launch::async, [&] { return worker.compare(open); }));
     std::optional<failed_run> earliest;
