@@ -310,7 +310,7 @@ TEST_F(program, compare_answers_with_its_exit_code)
               "       old and new           frame 1 (night)\n"
               "       from                  record xnr, id 335 version 100, set 0 of set index 0, offset 24\n"
               "       rows                  row 0 (gain 256) x 0.5000 + row 1 (gain 1024) x 0.5000 of 2, at gain 640\n"
-              "makernote 521 xnr[0]: in 1 of 2 frames\n"
+              "makernote.xnr.value[0]: in 1 of 2 frames\n"
               "       first and largest     25 -> 28, frame 1 (night)\n"
               "1 value of the record and 1 of the makernote differ in 1 of 2 frames\n");
     EXPECT_EQ(run("compare old.json --change tuning:xnr.rows[1].param=46 --scene scene.json").out, found.out);

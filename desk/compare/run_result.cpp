@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "desk/makernote/file.h"
+#include "desk/makernote/frame_values.h"
 
 namespace qz::desk {
 
@@ -202,8 +203,9 @@ std::string value_list::name() const
     case whole_record: return "bytes_used";
     case record_bytes: return "bytes without a name";
     case makernote: {
-        const std::string_view content = makernote_record_name(field);
-        return fmt::format("makernote {}{}{}", field, content.empty() ? "" : " ", content);
+        const auto kind = std::ranges::find(makernote_kinds(), field, &makernote_kind::number);
+        return kind != makernote_kinds().end() ? fmt::format("makernote.{}.value", kind->name)
+                                               : fmt::format("makernote.{}.value", field);
     }
     case makernote_bytes: return "bytes of the makernote without a name";
     default: break;

@@ -28,7 +28,7 @@ struct value_list {
 
     bool is_makernote() const { return part == makernote || part == makernote_bytes; }
 
-    // "edge_enhancement.param", "lens_shading.tables[2]", "makernote 519 edge_enhancement".
+    // As columns of sweeps are called: "edge_enhancement.param", "lens_shading.tables[2]", "makernote.ctc.value".
     std::string name() const;
     // What the name of a value has behind that of its list: "[2]", "[0][4]", or nothing.
     std::string index_text(uint32_t index) const;

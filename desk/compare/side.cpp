@@ -81,7 +81,7 @@ const frame_inputs &compared_side::prepare(uint64_t number)
         if (ranges_->vary_tuning())
             session_->load(container_);
         else
-            session_->forget_frames();
+            session_->forget_records();
         return scene_.frames[varied_frame_];
     }
     if (number < next_) {

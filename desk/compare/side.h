@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -12,6 +11,7 @@
 #include "desk/base/bytes.h"
 #include "desk/compare/run_result.h"
 #include "desk/explain/origin.h"
+#include "desk/makernote/handle.h"
 #include "desk/run/session.h"
 #include "desk/sweep/ranges.h"
 
@@ -51,10 +51,6 @@ class compared_side {
     frame_origin explain() const;
 
   private:
-    struct makernote_deleter {
-        void operator()(qz_mkn *makernote) const { qz_mkn_destroy(makernote); }
-    };
-
     void expect_unvaried(const std::vector<std::string> &changes);
     const frame_inputs &prepare(uint64_t number);
 
@@ -64,7 +60,7 @@ class compared_side {
     uint64_t last_;
     size_t varied_frame_ = 0;
     std::optional<sweep_ranges> ranges_;
-    std::unique_ptr<qz_mkn, makernote_deleter> makernote_;
+    makernote_handle makernote_;
     std::optional<isp_session> session_;
     uint64_t next_ = 0;                    // frame of the context
     const frame_inputs *inputs_ = nullptr; // of the last run

@@ -135,6 +135,11 @@ void isp_session::forget_frames()
 {
     if (makernote_ != nullptr)
         return open_again(); // for the record of the start
+    forget_records();
+}
+
+void isp_session::forget_records()
+{
     std::memset(context_->aic_output, 0, written_);
     context_->frame_counter = 0;
     written_ = 0;

@@ -34,6 +34,8 @@ class isp_session {
 
     // What a new context would have: nothing is left of the frames before, nor in the makernote.
     void forget_frames();
+    // The same, but that the makernote stays as it is.
+    void forget_records();
 
     // The records that the library selects for the frame; they are the context's.
     isp_tuning_set selection(const frame_inputs &inputs) const;
