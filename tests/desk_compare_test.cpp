@@ -1,7 +1,6 @@
 // What differs between the records of two tunings: nothing that is planted goes unreported, nothing else is reported.
 #include <cstddef>
 #include <cstring>
-#include <nlohmann/json.hpp>
 #include <set>
 #include <string>
 #include <vector>
@@ -38,7 +37,7 @@ comparison compare(const byte_buffer &old_container, const byte_buffer &new_cont
 
 // The last field of a row, or of a record without rows.
 struct planted_place {
-    const tuning_record *record;
+    tuning_record record;
     size_t row;
     size_t offset; // in the container
     size_t size;
@@ -46,7 +45,7 @@ struct planted_place {
 
 void find_places(const record_list &list, std::vector<planted_place> &places)
 {
-    for (const tuning_record &record : list.records) {
+    for (const tuning_record &record : list) {
         find_places(record.nested, places);
         if (!record.place || record.place->kind == nullptr || record.place->kind->fields.empty())
             continue;
@@ -54,7 +53,7 @@ void find_places(const record_list &list, std::vector<planted_place> &places)
         const field &last = kind.fields.back();
         for (size_t row = 0; row < static_cast<size_t>(kind.has_rows() ? stated_rows(record).value_or(0) : 1); ++row)
             places.push_back(
-                {&record, row, record.offset + kind.start + row * kind.size + last.offset, element_size(last.type)});
+                {record, row, record.offset + kind.start + row * kind.size + last.offset, element_size(last.type)});
     }
 }
 
@@ -74,7 +73,7 @@ side_choice ranges_for(const record_kind &kind)
 // Base sets by key serve a tuning_mode of 1 alone, which takes them from set 0.
 bool is_out_of_reach(const planted_place &place)
 {
-    const tuning_record &record = *place.record;
+    const tuning_record &record = place.record;
     const size_t entry = record.place->kind->start - record_header_size + place.row * record.place->kind->size;
     const size_t key_at = entry + offsetof(isp_macc_entry, key);
     return record.place->kind->name == "macc" && record.place->set != 0 && read_le<uint16_t>(record.body, key_at) != 0;
@@ -104,15 +103,15 @@ TEST(compare, reports_what_is_planted_in_each_record)
     find_places(sample.list, places);
     std::set<std::string_view> kinds;
     for (const planted_place &place : places) {
-        const record_kind &kind = *place.record->place->kind;
-        SCOPED_TRACE(testing::Message() << kind.name << " at " << place.record->offset << ", row " << place.row);
+        const record_kind &kind = *place.record.place->kind;
+        SCOPED_TRACE(testing::Message() << kind.name << " at " << place.record.offset << ", row " << place.row);
         byte_buffer changed = container;
         changed[place.offset + place.size - 1] ^= 0x08;
         comparison made = compare(container, changed);
         if (made.is_same())
             made = compare(container, changed, ranges_for(kind));
         EXPECT_EQ(made.is_same(), is_out_of_reach(place));
-        expect_only(*place.record, made);
+        expect_only(place.record, made);
         kinds.insert(kind.name);
     }
     for (const record_kind &kind : record_kinds())
@@ -122,7 +121,7 @@ TEST(compare, reports_what_is_planted_in_each_record)
 TEST(compare, tells_containers_with_the_same_records_the_same)
 {
     const byte_buffer container = sample_container();
-    const std::string source = container_json(read_container("sample", container)).dump();
+    const std::string source = container_source(read_container("sample", container));
     EXPECT_TRUE(compare(container, pack_container("again", source)).is_same());
     // Records that nothing selects, and one that another replaces.
     std::string with_more(qz::tool::sample_tuning);
