@@ -302,6 +302,8 @@ TEST_F(program, compare_answers_with_its_exit_code)
     const result same = run("compare old.json old.vuxb --scene scene.json");
     EXPECT_EQ(same.code, 0) << same.err;
     EXPECT_EQ(same.out, "the same in 2 frames\n");
+    EXPECT_EQ(run("compare old.json new.json --scene scene.json --frame 0").out,
+              "the same in 1 frame, though the tunings differ\n");
     const result found = run("compare - new.json --scene scene.json < old.vuxb");
     EXPECT_EQ(found.code, 1) << found.err;
     EXPECT_EQ(found.out,

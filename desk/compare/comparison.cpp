@@ -46,6 +46,7 @@ comparison describe(const difference_tally &tally, compared_side &old_side, comp
 {
     comparison made = {.old_name = old_side.name(),
                        .new_name = new_side.name(),
+                       .same_tunings = old_side.container() == new_side.container(),
                        .runs = old_side.last() - old_side.first(),
                        .of_rows = old_side.has_rows(),
                        .differing_runs = tally.differing_runs(),

@@ -25,6 +25,7 @@ struct pair_origin {
 struct comparison {
     std::string old_name;
     std::string new_name;
+    bool same_tunings; // their containers, after what settings and changes do; values in ranges apart
     uint64_t runs;
     bool of_rows; // else of frames
     uint64_t differing_runs;

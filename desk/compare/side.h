@@ -44,6 +44,7 @@ class compared_side {
     bool has_rows() const { return ranges_.has_value(); }
     run_place place(uint64_t number) const;
     const std::string &name() const { return session_->tuning_name(); }
+    const byte_buffer &container() const { return container_; }
 
     // A row, as a context of its own gives it, or a frame after those before it; cheapest in ascending order.
     const run_result &run(uint64_t number);

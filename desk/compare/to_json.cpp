@@ -23,11 +23,9 @@ class comparison_writer {
         json lists = json::array();
         for (const differing_list &list : made_.lists)
             lists.push_back(list_json(list));
-        return {{"equal", made_.is_same()},
-                {"old", made_.old_name},
-                {"new", made_.new_name},
-                {runs_name(), made_.runs},
-                {"different", made_.differing_runs},
+        return {{"equal", made_.is_same()},       {"same_tunings", made_.same_tunings},
+                {"old", made_.old_name},          {"new", made_.new_name},
+                {runs_name(), made_.runs},        {"different", made_.differing_runs},
                 {"differences", std::move(lists)}};
     }
 

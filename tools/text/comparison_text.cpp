@@ -92,7 +92,8 @@ class comparison_printer {
     std::string summary() const
     {
         if (made_.is_same())
-            return fmt::format("the same in {}\n", runs(made_.runs));
+            return fmt::format("the same in {}{}\n", runs(made_.runs),
+                               made_.same_tunings ? "" : ", though the tunings differ");
         uint64_t of_record = 0;
         uint64_t of_makernote = 0;
         for (const differing_list &list : made_.lists)
