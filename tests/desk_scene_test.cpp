@@ -95,6 +95,8 @@ TEST(scene, errors_name_the_field_what_was_found_and_what_was_expected)
          "s.json: frames[0]: found the name \"hue\" twice in one object, expected it once"},
         {R"({"frames": [{}, {"colour": {"ccm": [1, {"x": 1, "x": 1}]}}]})",
          "s.json: frames[1].colour.ccm[1]: found the name \"x\" twice"},
+        {R"({"grid": {"width": 4294967295, "height": 4294967295}, "frames": [{}]})",
+         "s.json: grid: found 4294967295 x 4294967295 cells, expected at most 4294967295"},
         {R"([0, {"a":1,"b":1,"c":1,"d":1,"e":1,"f":1,"g":1,"h":1,"i":1,"j":1,"k":1,"l":1,"m":1,"n":1,"o":1,"p":1,"c":1}])",
          "s.json: [1]: found the name \"c\" twice in one object"},
         {R"({"frames": [1e400]})", "s.json: line 1, column 17: found 1e400, expected a number within double precision"},

@@ -26,7 +26,7 @@ frame_choice choose(const scene &scene, const side_choice &choice)
 } // namespace
 
 compared_side::compared_side(std::string name, byte_buffer container, scene inputs, const side_choice &choice)
-    : scene_(std::move(inputs)), container_(std::move(container)), makernote_(qz_mkn_create())
+    : scene_(std::move(inputs)), container_(std::move(container)), makernote_(make_makernote())
 {
     const frame_choice chosen = choose(scene_, choice);
     first_ = chosen.first;

@@ -1,6 +1,7 @@
 #include "desk/run/session.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 
 #include <fmt/format.h>
@@ -103,13 +104,22 @@ void isp_session::open()
     bound_characterisation bound = {};
     if (setup_.cmc)
         bind(*setup_.cmc, bound);
+    errno = 0;
     context_.reset(
         qz_isp_2_7_init(&blob, setup_.grid_width, setup_.grid_height, setup_.cmc ? &bound.cmc : nullptr, makernote_));
+    expect_memory();
     if (!context_)
         fail({tuning_name_, "",
               fmt::format("the library did not accept it with a statistics grid of {} x {} cells", setup_.grid_width,
                           setup_.grid_height),
               ""});
+}
+
+// Where memory fails, some blocks get other values, and no status tells: only what failed does.
+void isp_session::expect_memory() const
+{
+    if (errno == ENOMEM)
+        fail({tuning_name_, "", "out of memory", ""});
 }
 
 record_snapshot isp_session::run(const frame_inputs &inputs)
@@ -123,7 +133,9 @@ void isp_session::run(const frame_inputs &inputs, const frame_parts &parts, reco
 {
     const bound_frame frame(inputs, parts);
     isp_output_desc output = {nullptr, 0};
+    errno = 0;
     const uint32_t status = qz_isp_2_7_run(context_.get(), &frame.params, &output);
+    expect_memory();
     if (status != ISP_SUCCESS || output.record == nullptr)
         fail({tuning_name_, "", fmt::format("the frame run failed with status {}", status), ""});
     const uint32_t held = parts.shading ? uint32_t{AIC_RECORD_SIZE} : uint32_t{AIC_FIXED_SIZE};

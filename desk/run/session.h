@@ -50,6 +50,7 @@ class isp_session {
     };
 
     void open();
+    void expect_memory() const; // since errno was 0
     void open_again();
 
     const scene &setup_;

@@ -209,6 +209,8 @@ scene read_scene(const std::string &file, std::string_view text)
         grid->expect_names({"width", "height"});
         result.grid_width = static_cast<uint32_t>(grid->at("width").integer(0, UINT32_MAX));
         result.grid_height = static_cast<uint32_t>(grid->at("height").integer(0, UINT32_MAX));
+        if (uint64_t{result.grid_width} * result.grid_height > UINT32_MAX)
+            grid->fail(fmt::format("{} x {} cells", result.grid_width, result.grid_height), "at most 4294967295");
     }
     result.cmc = read_characterisation(root);
     result.frames = read_frames(root.at("frames"));

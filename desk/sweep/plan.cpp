@@ -38,7 +38,7 @@ sweep_plan::sweep_plan(const sweep_choice &choice, scene setup, byte_buffer cont
     : setup_(std::move(setup)), container_(std::move(container)), frames_(chosen_frames(choice, setup_, container_)),
       tells_frames_(choice.frame == all_frames), ranges_(frame_ranges(choice, setup_, frames_, container_)),
       columns_(choose_columns(choice.fields)), needs_(needs_of(columns_)),
-      rows_(shard_rows(choice.shard, all_rows(ranges_))), makernote_(needs_.makernote ? qz_mkn_create() : nullptr),
+      rows_(shard_rows(choice.shard, all_rows(ranges_))), makernote_(needs_.makernote ? make_makernote() : nullptr),
       session_(container_, tuning_name, setup_, makernote_.get()), source_()
 {}
 

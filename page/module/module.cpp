@@ -154,7 +154,7 @@ QZ_MODULE_EXPORT(makernote) void makernote()
 {
     const request asked = read_request();
     const prepared from(asked);
-    const makernote_handle list(qz_mkn_create());
+    const makernote_handle list = make_makernote();
     isp_session session(from.container, asked.tuning_name, from.setup, list.get());
     compute_frames(session, from.setup, from.chosen, false);
     result = save_makernote(list.get());

@@ -87,6 +87,13 @@ void output_file::open_beside()
     beside_ = beside;
     target_ = target.string();
     handle_.reset(fdopen(descriptor, "wb"));
+    if (!handle_) {
+        const int number = errno;
+        close(descriptor);
+        unlink(beside.c_str());
+        errno = number;
+        return;
+    }
     // Where it cannot be the owner's, or a file system knows no permissions, the file is what it can be.
     if (exists)
         std::ignore = fchown(descriptor, there.st_uid, there.st_gid);

@@ -47,7 +47,7 @@ int get(const get_options &options)
     apply_settings(options.settings, scene, chosen, container);
     const std::vector<sweep_column> columns = choose_columns(options.fields);
     const column_needs needs = needs_of(columns);
-    const makernote_handle makernote(needs.makernote ? qz_mkn_create() : nullptr);
+    const makernote_handle makernote = needs.makernote ? make_makernote() : nullptr;
     isp_session session(std::move(container), tuning_name(options.inputs), scene, makernote.get());
     for (size_t before = 0; before < chosen.first; ++before)
         session.run(scene.frames[before]);

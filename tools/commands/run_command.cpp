@@ -31,7 +31,7 @@ int run(const run_options &options)
     const frame_choice chosen = choose_frames(scene, options.frame);
     byte_buffer container = load_container(options.inputs);
     apply_settings(options.settings, scene, chosen, container);
-    const makernote_handle makernote(options.makernote ? qz_mkn_create() : nullptr);
+    const makernote_handle makernote = options.makernote ? make_makernote() : nullptr;
     isp_session session(std::move(container), tuning_name(options.inputs), scene, makernote.get());
     const std::vector<computed_frame> frames = compute_frames(session, scene, chosen, options.explain);
     if (options.makernote)
