@@ -1,4 +1,4 @@
-// Bundles the page of `qz-isp report` into a C++ source file.
+// Bundles the page of `qz-isp report` and `qz-isp sweep --plot` into a C++ source file.
 //
 //   node build.mjs [--install] DIRECTORY
 //
@@ -101,8 +101,13 @@ function write_source(text) {
     renameSync(output + '.new', output);
 }
 
-const files = readdirSync(sources, { withFileTypes: true }).filter((entry) => entry.isFile());
-const key = hash_of(files.map(({ name }) => name).sort());
+// The folders of what is bundled.
+const files = ['.', 'sweep'].flatMap((folder) =>
+    readdirSync(join(sources, folder), { withFileTypes: true })
+        .filter((entry) => entry.isFile())
+        .map(({ name }) => join(folder, name)),
+);
+const key = hash_of(files.sort());
 if (existsSync(output) && is_made('page.key', key)) process.exit(0);
 mkdirSync(directory, { recursive: true });
 rmSync(join(directory, 'page.key'), { force: true });

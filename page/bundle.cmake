@@ -1,4 +1,4 @@
-# The page of `qz-isp report`, which Node.js bundles from this directory and packages of the npm registry. No build goes
+# The page of `qz-isp report` and `sweep --plot`, which Node.js bundles from this directory and packages of the npm registry. No build goes
 # to the registry unasked. report_page_source is the source file that holds the page or none.
 set(QZ_ISP_REPORT_PAGE AUTO CACHE STRING "The page of qz-isp report: ON installs npm packages, AUTO takes those that are there")
 set_property(CACHE QZ_ISP_REPORT_PAGE PROPERTY STRINGS AUTO ON OFF)
@@ -15,7 +15,8 @@ endif()
 set(report_page_source base/report_no_page.cpp) # in tools/
 if(QZ_ISP_REPORT_PAGE STREQUAL AUTO OR QZ_ISP_REPORT_PAGE)
   if(node_version VERSION_GREATER_EQUAL 18)
-    file(GLOB report_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*)
+    file(GLOB report_sources LIST_DIRECTORIES false CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*
+                                                                       ${CMAKE_CURRENT_LIST_DIR}/sweep/*)
     set(report_page_source ${QZ_ISP_REPORT_BUNDLE_DIR}/report_page.cpp)
     add_custom_command(
       OUTPUT ${report_page_source}

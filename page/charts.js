@@ -85,6 +85,11 @@ export function draw_charts(again = false) {
     }
 }
 
+// The place on a chart's axes that a pixel of it lies at.
+export function place_at(place, x, y) {
+    return shown.get(place)?.instance?.convertFromPixel({ gridIndex: 0 }, [x, y]);
+}
+
 // Draws one chart again, whose options have changed.
 export function redraw(place) {
     if (shown.get(place)?.instance) draw(place, shown.get(place));

@@ -12,6 +12,15 @@ export function note(text) {
     return element('p', { class: 'note' }, text);
 }
 
+// Pairs of a name and its value.
+export function definitions(pairs, kind) {
+    return element(
+        'dl',
+        { class: kind },
+        pairs.map(([name, value]) => element('div', {}, element('dt', {}, name), element('dd', {}, value))),
+    );
+}
+
 // rows: lists of cells, each a text or an element; the first row is the head.
 export function table(rows, attributes = {}) {
     const [head, ...body] = rows;

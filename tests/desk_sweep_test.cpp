@@ -1,5 +1,6 @@
 // Sweeps: which inputs and fields there are, and rows that depend on nothing but themselves.
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <span>
 #include <string>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "desk/explain/block_sources.h"
 #include "desk/sweep/column_values.h"
 #include "desk/sweep/plan.h"
+#include "desk/sweep/plot.h"
 #include "qz_log.h"
 #include "tests/desk_suite.h"
 
@@ -297,6 +299,51 @@ TEST(sweep_plan, goes_through_the_frames_of_a_scene)
         sweep_plan({{"nr_mode=0..4294967294", "effects=0..4294967295"}, {}, "all", {}, {}}, setup, two_sets(), "t");
     });
     EXPECT_TRUE(contains(wide, "frame: found more than 2^64 rows of 2 frames")) << wide;
+}
+
+// A text that is the one before is 0.
+TEST(plotted_rows, hold_ranges_and_values)
+{
+    const scene setup = read_scene("s", R"({"frames": [{"nr_mode": 1}, {"name": "b", "nr_mode": 0}]})");
+    sweep_plan plan(
+        {{"effects=0,vivid+macc_1", "gain=1..1.21*1.1"}, "xnr.param,block18.rows,bytes_used", "all", {}, {}}, setup,
+        two_sets(), "t");
+    plotted_rows whole(3);
+    for (const auto &[first, last] : {std::pair(0, 5), std::pair(5, 12)}) {
+        plotted_rows part(3);
+        for (int row = first; row < last; ++row)
+            part.add(plan.columns(), plan.compute(static_cast<uint64_t>(row)));
+        whole.append(std::move(part));
+    }
+    EXPECT_EQ(whole.data(plan), json::parse(R"({
+        "ranges": [
+            {"name": "frame", "values": [0, 1], "multiplies": false, "labels": ["frame 0", "b"]},
+            {"name": "effects", "values": [0, 257], "multiplies": false, "labels": ["none", "macc_1+vivid"]},
+            {"name": "gain", "values": [1, 1.1, 1.21], "multiplies": true}],
+        "columns": [
+            {"name": "xnr.param", "block": "xnr", "limits": [0, 65535],
+             "values": [10, 11, 12, 10, 11, 12, 0, 0, 0, 0, 0, 0]},
+            {"name": "block18.rows", "block": "xnr", "origin": "rows",
+             "values": ["0", "0-1", 0, "0", "0-1", 0, null, null, null, null, null, null]},
+            {"name": "bytes_used",
+             "values": [4928, 4928, 4928, 4928, 4928, 4928, 4928, 4928, 4928, 4928, 4928, 4928]}]})"));
+}
+
+TEST(plotted_rows, are_all_of_a_sweep_that_fits_a_page)
+{
+    const scene setup = read_scene("s", R"({"frames": [{}]})");
+    const auto error = [&](const char *range, std::optional<std::string> shard) {
+        return error_of([&] {
+            const sweep_plan plan({{range}, "block13.*", {}, {}, std::move(shard)}, setup, two_sets(), "t");
+            expect_plottable(plan);
+        });
+    };
+    EXPECT_EQ(error("nr_mode=1..166666", {}), "no error");
+    EXPECT_EQ(error("nr_mode=1..166667", {}),
+              "plot: found 166667 rows of 3 values, expected at most 500000 values in a "
+              "page: choose fewer --fields or larger steps");
+    EXPECT_EQ(error("nr_mode=0,1", "1/2"), "shard: found a part of the rows, expected all of them for a plot");
+    EXPECT_EQ(error("nr_mode=0,1", "1/1"), "no error");
 }
 
 } // namespace

@@ -222,6 +222,8 @@ TEST_F(program, reports_errors_with_exit_codes)
         {"sweep --over gain=1 --format jsonl --no-header", 2, "--no-header: found JSON lines, expected CSV"},
         {"sweep --over gain=1 --shard 0/2", 2, "qz-isp: --shard: found \"0/2\", expected I/N"},
         {"sweep --over gain=1 --jobs 0", 2, "--jobs: "},
+        {"sweep --over gain=1 --plot x --output x", 2, "--plot: found x for the rows too, expected another file"},
+        {"sweep --over gain=1 --plot - --format csv", 2, "--plot: found - for the rows too"},
         {"sweep --over gain=1 --output /dev/full", 1, "qz-isp: /dev/full: cannot be written: No space left"},
     };
     for (const auto &[arguments, code, error] : cases) {
@@ -268,7 +270,7 @@ TEST_F(program, report_holds_the_frame_s_curves_and_its_gamma_without_brightness
 
 TEST(report_page, that_is_not_there_is_asked_for)
 {
-    EXPECT_THROW(static_cast<void>(qz::tool::filled({}, {})), std::runtime_error);
+    EXPECT_THROW(qz::tool::expect_page({}, "report"), std::runtime_error);
 }
 
 TEST_F(program, diff_answers_with_its_exit_code)
@@ -386,6 +388,21 @@ TEST_F(program, sweep_tells_frames_and_where_values_came_from)
     EXPECT_EQ(run("get xnr.record --tuning t.json --scene s.json").out, "-\n");
     EXPECT_EQ(run("get makernote.frame_geometry.value2,makernote.version").out,
               "makernote.frame_geometry.value2 3264\nmakernote.version.text QZ_ISP 2.6.1 v2.0_012.000_002\n");
+}
+
+TEST_F(program, sweep_plots_beside_its_rows_or_in_their_place)
+{
+    if (qz::tool::built_in_page.before.empty())
+        GTEST_SKIP() << "built without the page";
+    const std::string arguments = "sweep --over sharpness=-128..127 --over hue=-6..6 --fields block13.* --jobs 2 ";
+    const result alone = run(arguments + "--plot page.html");
+    EXPECT_EQ(alone.code, 0) << alone.err;
+    EXPECT_EQ(alone.out, "");
+    EXPECT_EQ(run(arguments + "--plot other.html --format csv").out, run(arguments).out);
+    EXPECT_EQ(text_of("other.html"), text_of("page.html"));
+    EXPECT_TRUE(text_of("page.html").starts_with(qz::tool::built_in_page.before));
+    EXPECT_EQ(run(arguments + "--plot - --output rows").out, text_of("page.html"));
+    EXPECT_EQ(text_of("rows"), run(arguments).out);
 }
 
 TEST_F(program, leaves_files_as_they_were_when_it_fails)

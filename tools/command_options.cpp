@@ -136,8 +136,13 @@ void add_sweep(CLI::App &app, chosen_command &chosen)
     command->add_option("--output", options->output, "Write here instead of standard output")->type_name("FILE");
     command->add_flag("--list", options->list,
                       "Print instead, one a line, the inputs, values of the tuning, fields and frames that there are");
+    command
+        ->add_option("--plot", options->plot,
+                     "Write a page with charts of the values; rows besides only with --output or --format")
+        ->type_name("PAGE")
+        ->excludes("--list");
     command->footer(
-        "FILE may be - for standard input or output.\n\n"
+        "FILE and PAGE may be - for standard input or output.\n\n"
         "Example: edge enhancement over gain and sharpness\n"
         "  qz-isp sweep --over gain=1..16:0.5 --over sharpness=-128..127:32 --fields 'block13.param0,block5.*'");
     on_choice(*command, chosen, options, sweep);

@@ -71,12 +71,12 @@ _qz_isp()
         ;;
     'sweep '*)
         case $previous in
-        --tuning | --scene | --output) files=yes ;;
+        --tuning | --scene | --output | --plot) files=yes ;;
         --frame) words="all $(_qz_isp_names frame)" ;;
         --set | --over) _qz_isp_settings ;;
         --fields) _qz_isp_fields ;;
         --format) words='csv jsonl' ;;
-        *) words='--over --fields --tuning --scene --frame --set --format --no-header --shard --jobs --output --list' ;;
+        *) words='--over --fields --tuning --scene --frame --set --format --no-header --shard --jobs --output --plot --list' ;;
         esac
         ;;
     'compare '*)

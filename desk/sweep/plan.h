@@ -39,6 +39,7 @@ class sweep_plan {
     const std::vector<sweep_range> &ranges_of(uint64_t row) const { return ranges_[range_set(row)].ranges(); }
     const std::vector<sweep_column> &columns() const { return columns_; }
     const row_span &rows() const { return rows_; }
+    bool holds_all_rows() const { return rows_.first == 0 && rows_.last == ranges_.size() * ranges_.front().rows(); }
 
     // The frame of a row, as the scene counts.
     size_t frame_of(uint64_t row) const { return frames_.first + range_set(row); }

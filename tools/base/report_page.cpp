@@ -22,12 +22,17 @@ std::string inline_json(const desk::json &value)
 
 } // namespace
 
-std::string filled(const report_page &page, const desk::json &data)
+void expect_page(const report_page &page, std::string_view command)
 {
     if (page.before.empty())
-        throw std::runtime_error("report: found a program that was built without the page, expected one with it: "
+        throw std::runtime_error(std::string(command) +
+                                 ": found a program that was built without the page, expected one with it: "
                                  "install Node.js 18 or newer with npm (Debian: nodejs npm), run `make report-bundle`, "
                                  "which takes packages from the npm registry, and build again");
+}
+
+std::string filled(const report_page &page, const desk::json &data)
+{
     return std::string(page.before) + inline_json(data) + std::string(page.after);
 }
 

@@ -1,4 +1,4 @@
-// The page that `report` fills with its data.
+// The page that `report` and `sweep --plot` fill with their data.
 #pragma once
 
 #include <string>
@@ -15,7 +15,9 @@ struct report_page {
 };
 extern const report_page built_in_page;
 
-// The whole page. Throws where there is none.
+// Throws where there is none; command: for what it is wanted.
+void expect_page(const report_page &page, std::string_view command);
+
 std::string filled(const report_page &page, const desk::json &data);
 
 } // namespace qz::tool

@@ -47,11 +47,12 @@ int report(const report_options &options);
 struct sweep_options {
     input_files inputs;
     desk::sweep_choice choice;
-    std::string format = "csv"; // or "jsonl"
+    std::optional<std::string> format; // csv, which it else is, or jsonl
     bool no_header = false;
-    std::string output = "-";
-    std::optional<uint32_t> jobs; // threads; else as many as there are processors
-    bool list = false;            // print the names there are instead
+    std::optional<std::string> output; // else standard output
+    std::optional<std::string> plot;   // a page; the table besides only where format or output say so
+    std::optional<uint32_t> jobs;      // threads; else as many as there are processors
+    bool list = false;                 // print the names there are instead
 };
 int sweep(const sweep_options &options);
 

@@ -13,6 +13,7 @@ using namespace desk;
 
 int report(const report_options &options)
 {
+    expect_page(built_in_page, "report");
     expect_one_standard_input(options.inputs);
     scene scene = load_scene(options.inputs);
     const frame_choice chosen = choose_frames(scene, options.frame);
