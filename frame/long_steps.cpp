@@ -5,6 +5,7 @@
 #include <span>
 
 #include "frame/aic_layout.h"
+#include "frame/curve_point.h"
 #include "frame/defaults.h"
 #include "frame/frame_run.h"
 #include "qz_isp/gain.h"
@@ -47,15 +48,6 @@ uint32_t to_9_fractional_bits(uint32_t gain, uint32_t shift)
 constexpr size_t value_number(size_t byte)
 {
     return byte / sizeof(int32_t) - 1;
-}
-
-// Curve points scaled by a Q9 factor, limited to 13 bits.
-uint32_t curve_point(uint32_t value, uint32_t scale)
-{
-    const auto product = static_cast<int32_t>(value * scale);
-    if (product < 0)
-        return 0;
-    return product > 4193791 ? 8191 : static_cast<uint32_t>(product / 512);
 }
 
 } // namespace

@@ -33,4 +33,15 @@ constexpr row_numbers rows_around(int32_t gain, size_t row_count, const Key &key
     return {found.lower != row_count ? found.lower : found.upper, found.upper != row_count ? found.upper : found.lower};
 }
 
+// Whether interpolate_linear() gives at x another value than the line through the two points, for want of bits.
+constexpr bool interpolation_wraps(int64_t x0, int64_t x1, int64_t y0, int64_t y1, int64_t x)
+{
+    constexpr int64_t too_large = int64_t{1} << 31;
+    const auto size = [](int64_t value) { return value < 0 ? -value : value; };
+    // In double, as a product of differences of 32 bits has more than 64 bits with its sign.
+    return x0 != x1 &&
+           (size(x1 - x0) >= too_large ||
+            static_cast<double>(size(y1 - y0)) * static_cast<double>(size(x - x0)) >= static_cast<double>(too_large));
+}
+
 } // namespace qz

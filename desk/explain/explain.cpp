@@ -31,14 +31,12 @@ std::string gain_why(const isp_exposure *exposure)
 }
 
 // Whether a value lies elsewhere than its row weights tell, for want of bits.
-bool wraps(const row_origin &between, const std::vector<int32_t> &from, const std::vector<int32_t> &to, double gain)
+bool wraps(const row_origin &between, const std::vector<int32_t> &from, const std::vector<int32_t> &to, int64_t gain)
 {
-    constexpr double too_large = 2147483648.0;
-    const double distance = gain - static_cast<double>(between.lower_key);
-    bool found = static_cast<double>(between.upper_key - between.lower_key) >= too_large;
+    bool found = false;
     for (size_t i = 1; i < from.size(); ++i) // the key comes first
-        found |= std::abs(static_cast<double>(int64_t{to[i]} - from[i]) * distance) >= too_large;
-    return found && between.lower_key != between.upper_key;
+        found |= interpolation_wraps(between.lower_key, between.upper_key, from[i], to[i], gain);
+    return found;
 }
 
 // The blocks of one frame.

@@ -1,20 +1,25 @@
 #include "desk/tuning/verdict.h"
 
-#include "qz_isp/context.h"
 #include "qz_isp/error.h"
 #include "qz_isp/tuning.h"
 
 namespace qz::desk {
 
+parsed_container::parsed_container(byte_view bytes)
+{
+    const isp_blob blob = {bytes.data(), static_cast<uint32_t>(bytes.size())};
+    const bool has_size = bytes.size() <= UINT32_MAX;
+    status_ = has_size ? isp_parse(&blob, &context_) : uint32_t{ISP_INVALID_ARGUMENT};
+}
+
+parsed_container::~parsed_container()
+{
+    isp_parse_deinit(&context_);
+}
+
 uint32_t library_verdict(byte_view container)
 {
-    if (container.size() > UINT32_MAX) // its size cannot be told
-        return ISP_INVALID_ARGUMENT;
-    const isp_blob blob = {container.data(), static_cast<uint32_t>(container.size())};
-    isp_context context = {};
-    const uint32_t status = isp_parse(&blob, &context);
-    isp_parse_deinit(&context);
-    return status;
+    return parsed_container(container).status();
 }
 
 std::string_view verdict_text(uint32_t verdict)
