@@ -1,7 +1,9 @@
 #include "tools/command_options.h"
 
+#include <iterator>
 #include <memory>
 
+#include "desk/check/codes.h"
 #include "tools/base/log.h"
 #include "tools/commands/commands.h"
 
@@ -190,6 +192,27 @@ void add_tuning_show(CLI::App &group, chosen_command &chosen)
     on_choice(*command, chosen, options, show_tuning);
 }
 
+void add_tuning_check(CLI::App &group, chosen_command &chosen)
+{
+    const auto options = std::make_shared<tuning_check_options>();
+    CLI::App *command = group.add_subcommand("check", "Find what is wrong, odd or without effect in a tuning");
+    command->add_option("FILE", options->file, "Container, or its JSON source, or -")->required();
+    const auto severities =
+        CLI::IsMember(std::vector<std::string>(std::begin(desk::severity_names), std::end(desk::severity_names)));
+    command->add_option("--fail-on", options->fail_on, "Exit code 1 for findings of this severity or worse; else error")
+        ->type_name("SEVERITY")
+        ->check(severities);
+    command->add_option("--severity", options->severity, "Show findings of this severity or worse; else all")
+        ->type_name("SEVERITY")
+        ->check(severities);
+    CLI::Option *as_json = command->add_flag("--json", options->as_json, "Print everything as JSON");
+    command->add_flag("--all", options->all, "Print all findings of a code that has many")->excludes(as_json);
+    command->footer("Severities are note, warning and error.\n\n"
+                    "Example: the gate of a tuning that has to be without warnings\n"
+                    "  qz-isp tuning check --severity warning --fail-on warning sensor.vuxb");
+    on_choice(*command, chosen, options, check_tuning);
+}
+
 void add_tuning(CLI::App &app, chosen_command &chosen)
 {
     CLI::App *group = app.add_subcommand("tuning", "Tuning containers and their JSON source");
@@ -199,6 +222,7 @@ void add_tuning(CLI::App &app, chosen_command &chosen)
                   "  qz-isp tuning pack sensor.json sensor.vuxb");
     add_tuning_pack(*group, chosen);
     add_tuning_show(*group, chosen);
+    add_tuning_check(*group, chosen);
 }
 
 // A group with one command, "show", for dumps of one kind.

@@ -51,7 +51,7 @@ inline constexpr finding_code finding_codes[] = {
     {"record-unread", severity::note,
      "The library holds the record, but no block reads it."},
     {"version-unknown", severity::note,
-     "The library reads a version that it does not know as the nearest one that it does."},
+     "The library tells versions 100 to 102 apart, and reads others as one of them."},
     {"value-ignored", severity::warning,
      "The library does not read the value here."},
     {"value-truncated", severity::warning,
@@ -74,7 +74,8 @@ inline constexpr finding_code finding_codes[] = {
     {"gain-not-monotonic", severity::note,
      "Noise and sharpness change one way with the gain, and so do their parameters: a step back is often mistyped."},
     {"curve-not-monotonic", severity::warning,
-     "The values are positions along a curve, each behind the one before: the hardware looks up segments between them."},
+     "The values stand along a curve that goes one way: the hardware looks up segments between its positions, and a step "
+     "back leaves one without a place."},
     {"row-jump", severity::warning,
      "Between the two rows the value changes far more than elsewhere in its column: a visible step over the gain, often "
      "a digit too many or too few."},

@@ -1,5 +1,8 @@
 #include "desk/check/curves.h"
 
+#include <algorithm>
+#include <cstdlib>
+
 #include <fmt/format.h>
 
 namespace qz::desk {
@@ -60,18 +63,34 @@ constexpr curve_part curve_parts[] = {
     {"long_12", 89, 4, way::rises, values},
 };
 
-// Finds steps back in a part; value(i) is its i-th, place(i) where it stands.
+// Steps back of up to this share of a value are taken for a plateau that is not quite even.
+constexpr int64_t plateau_share = 32;
+
+// Reports the largest step back in a part; value(i) is its i-th, place(i) where it stands.
 template <typename Value, typename Place>
 void check_part(const curve_part &part, const Value &value, const Place &place, const reporter &report)
 {
+    size_t steepest = 0;
+    int64_t largest = 0;
+    size_t count = 0;
     for (size_t i = part.first + 1; i < part.first + part.count; ++i) {
-        const int64_t step = value(i) - value(i - 1);
-        if (part.goes == way::rises ? step < 0 : step > 0)
-            report.add("curve-not-monotonic", part.level, place(i),
-                       fmt::format("found {} behind {}, in a curve that {} from element {} to {}", value(i),
-                                   value(i - 1), part.goes == way::rises ? "rises" : "falls", part.first,
-                                   part.first + part.count - 1));
+        const int64_t back = part.goes == way::rises ? value(i - 1) - value(i) : value(i) - value(i - 1);
+        count += back > 0 ? 1 : 0;
+        if (back > largest) {
+            largest = back;
+            steepest = i;
+        }
     }
+    if (count == 0)
+        return;
+    const bool is_plateau =
+        largest <= std::max(std::abs(value(steepest)), std::abs(value(steepest - 1))) / plateau_share;
+    if (is_plateau && part.level == values)
+        return;
+    report.add("curve-not-monotonic", is_plateau ? severity::note : part.level, place(steepest),
+               fmt::format("found {} behind {}, in a curve that {} from element {} to {}{}", value(steepest),
+                           value(steepest - 1), part.goes == way::rises ? "rises" : "falls", part.first,
+                           part.first + part.count - 1, and_more(count - 1, "steps back")));
 }
 
 } // namespace

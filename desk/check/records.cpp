@@ -233,7 +233,8 @@ class record_checker {
         const record_kind &kind = *record.kind;
         const size_t size = record.bytes.size();
         if (record.rows == 0)
-            report_.add("rows-none", place_of(record), "found no rows that can be used");
+            report_.add("rows-none", place_of(record),
+                        fmt::format("found {} rows", stated_rows(record.bytes, kind).value_or(0)));
         size_t end = kind.start + record.rows * kind.size;
         if (kind.layout == ISP_LAYOUT_ROWS_AND_MORE)
             end = check_fringe_tail(record, end);

@@ -86,9 +86,13 @@ void check_wraps(const column &values, const reporter &report)
         const auto y0 = static_cast<int32_t>(values.at(i));
         const auto y1 = static_cast<int32_t>(values.at(i + 1));
         const auto x = static_cast<int32_t>(farthest);
-        report.add("interpolation-wraps", values.place(i + 1),
-                   fmt::format("found {} at key {} behind {} at key {}: gain {} gives {}", y1, upper, y0, lower, x,
-                               interpolate_linear(lower, upper, y0, y1, x)));
+        const int32_t given = interpolate_linear(lower, upper, y0, y1, x);
+        const double share = (double{1} * x - lower) / (double{1} * upper - lower);
+        const double meant = y0 + share * (double{1} * y1 - y0);
+        if (std::abs(given - meant) > 1)
+            report.add("interpolation-wraps", values.place(i + 1),
+                       fmt::format("found {} at key {} behind {} at key {}: gain {} gives {}, not {:.0f}", y1, upper, y0,
+                                   lower, x, given, meant));
     }
 }
 

@@ -80,6 +80,16 @@ struct tuning_show_options {
 };
 int show_tuning(const tuning_show_options &options);
 
+// tuning check: what is wrong, odd or without effect in a tuning.
+struct tuning_check_options {
+    std::string file;
+    bool as_json = false;
+    bool all = false;
+    std::string severity = "note"; // the least that is shown
+    std::string fail_on = "error"; // the least that exit code 1 tells of
+};
+int check_tuning(const tuning_check_options &options);
+
 // record show: the records of a dump.
 struct record_show_options {
     std::string file;
