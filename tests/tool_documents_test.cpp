@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include "desk/check/codes.h"
 #include "desk/record/layout.h"
 #include "desk/scene/frame_fields.h"
 #include "desk/sweep/columns.h"
@@ -52,6 +53,17 @@ TEST(documents, record_tells_every_block)
         EXPECT_NE(text.find(row), std::string::npos) << row;
     }
     EXPECT_EQ(matches(text, "\n\\| \\d+ \\| \\d+ \\| [^`|]+ \\| `").size(), record_blocks().size());
+}
+
+TEST(documents, check_tells_every_code_and_its_severity)
+{
+    const std::string text = document("check.md");
+    for (const finding_code &each : finding_codes) {
+        const std::string row =
+            fmt::format("| `{}` | {} |", each.code, severity_names[static_cast<size_t>(each.level)]);
+        EXPECT_NE(text.find(row), std::string::npos) << row;
+    }
+    EXPECT_EQ(matches(text, "\n\\| `[a-z0-9-]+` \\|").size(), std::size(finding_codes));
 }
 
 // Rows of a byte in the block, a field or elements of one, and a type; the block's number stands in front of them, or

@@ -130,6 +130,44 @@ TEST_F(program, lists_names_that_it_takes)
         EXPECT_GT(counts[what], 25) << what;
 }
 
+TEST_F(program, checks_a_tuning)
+{
+    write("bad.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "rows": [[256, 9], [256, 9]]},
+                                      {"slot": "rec_3", "family": 320, "set": 0, "bytes": "01"}]})");
+    for (const auto &[options, code] : {std::pair("", 1), {" --fail-on note", 1}, {" --severity error", 1}})
+        EXPECT_EQ(run(std::string("tuning check bad.json") + options).code, code) << options;
+    const result shown = run("tuning check --severity warning bad.json");
+    EXPECT_EQ(shown.out, "warning: tuning:xnr[0/0].rows[1].key (offset 24, id 335): keys-equal: found 256, the key of "
+                         "row 0\n"
+                         "    Of rows with equal keys the library takes the first at every gain: the others are never "
+                         "used.\n"
+                         "error: tuning:rec_3[0/0] (offset 42, id 323): record-short: found size 9, expected 14\n"
+                         "    The library reads the values that the record ends before as 0.\n"
+                         "bad.json: 1 error, 1 warning, 20 notes; the library accepts it\n");
+    EXPECT_EQ(shown.err, "");
+    const json checked = json::parse(run("tuning check --json - < bad.json").out);
+    EXPECT_EQ(checked.at("summary"), (json{{"errors", 1}, {"warnings", 1}, {"notes", 20}}));
+    EXPECT_EQ(checked.at("verdict"), (json{{"status", 0}, {"meaning", "accepted"}}));
+    EXPECT_EQ(checked.at("findings").size(), 22u);
+
+    write("odd.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "rows": [[256, 9], [256, 9]]}]})");
+    for (const auto &[least, code] : {std::pair("error", 0), {"warning", 1}, {"note", 1}})
+        EXPECT_EQ(run(std::string("tuning check odd.json --severity error --fail-on ") + least).code, code) << least;
+    EXPECT_EQ(run("tuning check odd.json --fail-on worse").code, 2);
+    const result other = run("tuning check -", "printf other |");
+    EXPECT_EQ(other.code, 1);
+    EXPECT_TRUE(contains(other.out, "error: container: refused: found status 32: no container\n"));
+
+    // Of many findings the first are shown, and how many there are.
+    std::string rows = "[1, 1]";
+    for (int i = 0; i < 30; ++i)
+        rows += ", [1, 1]";
+    write("many.json", R"({"records": [{"slot": "xnr", "family": 320, "set": 0, "rows": [)" + rows + "]}]}");
+    const result many = run("tuning check many.json");
+    EXPECT_TRUE(contains(many.out, "22 more of keys-equal, --all shows them\n"));
+    EXPECT_TRUE(contains(run("tuning check --all many.json").out, "rows[30].key (offset 24, id 335): keys-equal"));
+}
+
 TEST_F(program, reports_errors_with_exit_codes)
 {
     write("short", "VUXB");
@@ -152,7 +190,7 @@ TEST_F(program, reports_errors_with_exit_codes)
         {"rnu", 2, "qz-isp: found rnu, expected one of run, get, report, "},
         {"run --fame 0", 2, "qz-isp: run: found --fame, expected one of --help, "},
         {"sweep --ovr gain=1", 2, "; did you mean --over?"},
-        {"help tuning sho", 2, "qz-isp: tuning: found sho, expected one of pack, show; did you mean show?"},
+        {"help tuning sho", 2, "qz-isp: tuning: found sho, expected one of pack, show, check; did you mean show?"},
         {"run --set hue=128", 2, "qz-isp: --set hue=128: found \"128\", expected an integer from -128 to 127"},
         {"get x --set tuning:xn.rows[0].key=1", 2, "the record \"xn\", expected one of chroma_nr, "},
         {"get x --set tuning:xnr.rows[0].key=1", 2, "found xnr, expected its set and set index: xnr[0/0], xnr[0/2]\n"},
@@ -171,7 +209,7 @@ TEST_F(program, reports_errors_with_exit_codes)
         {"run --tuning - --scene - < short", 2, "found standard input for both"},
         {"run --tuning ''", 1, "qz-isp: : cannot be opened"},
         {"run --frame ''", 2, "--frame: found \"\""},
-        {"tuning", 2, "qz-isp: tuning: found no command, expected one of pack, show"},
+        {"tuning", 2, "qz-isp: tuning: found no command, expected one of pack, show, check"},
         {"tuning pack rows.json", 2, "OUT is required"},
         {"tuning show nested.json --values --json", 2, "excludes"},
         {"tuning show tuning.json xn", 1, "tuning.json: record xn: found none of that name, expected one of xnr; did"},

@@ -86,7 +86,7 @@ _qz_isp()
         esac
         ;;
     'tuning 2')
-        words='pack show'
+        words='pack show check'
         ;;
     'sample '*)
         [ "$cursor" = 2 ] && words='scene tuning' || files=yes
@@ -113,6 +113,11 @@ _qz_isp()
                 words+=" $("${line[0]/#\~/$HOME}" tuning show --values "${previous/#\~/$HOME}" 2> /dev/null < /dev/null |
                     sed -n 's/^\([^ ][^:]*\): offset .*/\1/p')"
             fi
+        check)
+            case $previous in
+            --fail-on | --severity) words='note warning error' files='' ;;
+            *) words='--json --all --fail-on --severity' ;;
+            esac
             ;;
         esac
         ;;

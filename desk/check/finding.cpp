@@ -8,7 +8,7 @@ namespace qz::desk {
 
 std::string place_text(const finding_place &place)
 {
-    const std::string name = place.name.empty() ? "container" : place.name;
+    std::string name = place.name.empty() ? "container" : place.name;
     if (!place.offset)
         return name;
     if (!place.id || name.starts_with("id "))

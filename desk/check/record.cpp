@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "desk/tuning/record_problem.h"
 #include "desk/tuning/value_by_name.h"
 #include "tuning/record_view.h"
 
@@ -13,12 +14,8 @@ namespace {
 
 size_t usable_rows(byte_view bytes, const record_kind &kind)
 {
-    if (!kind.has_rows() || bytes.size() < kind.start)
-        return 0;
-    const int64_t stated = kind.has_long_rows() ? static_cast<int32_t>(read_le<uint32_t>(bytes, ISP_LONG_ROW_COUNT_AT))
-                                                : read_le<uint16_t>(bytes, ISP_SHORT_ROW_COUNT_AT);
-    const auto held = static_cast<int64_t>((bytes.size() - kind.start) / kind.size);
-    return static_cast<size_t>(std::clamp(stated, int64_t{0}, held));
+    const std::optional<row_counts> rows = kind.has_rows() ? count_rows(bytes, kind) : std::nullopt;
+    return rows ? static_cast<size_t>(std::clamp(rows->stated, int64_t{0}, rows->held)) : 0;
 }
 
 } // namespace

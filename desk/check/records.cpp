@@ -234,7 +234,7 @@ class record_checker {
         const size_t size = record.bytes.size();
         if (record.rows == 0)
             report_.add("rows-none", place_of(record),
-                        fmt::format("found {} rows", stated_rows(record.bytes, kind).value_or(0)));
+                        fmt::format("found {} rows", count_rows(record.bytes, kind).value_or(row_counts{}).stated));
         size_t end = kind.start + record.rows * kind.size;
         if (kind.layout == ISP_LAYOUT_ROWS_AND_MORE)
             end = check_fringe_tail(record, end);

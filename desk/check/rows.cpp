@@ -91,8 +91,8 @@ void check_wraps(const column &values, const reporter &report)
         const double meant = y0 + share * (double{1} * y1 - y0);
         if (std::abs(given - meant) > 1)
             report.add("interpolation-wraps", values.place(i + 1),
-                       fmt::format("found {} at key {} behind {} at key {}: gain {} gives {}, not {:.0f}", y1, upper, y0,
-                                   lower, x, given, meant));
+                       fmt::format("found {} at key {} behind {} at key {}: gain {} gives {}, not {:.0f}", y1, upper,
+                                   y0, lower, x, given, meant));
     }
 }
 
@@ -176,8 +176,8 @@ class leap_finder {
 std::vector<size_t> rows_by_key(const checked_record &record)
 {
     std::vector<size_t> rows = sorted_rows(record);
-    const auto equal = std::ranges::unique(rows, {}, [&](size_t row) { return record.key(row); });
-    rows.erase(equal.begin(), equal.end());
+    const auto have_equal_keys = [&](size_t a, size_t b) { return record.key(a) == record.key(b); };
+    rows.erase(std::unique(rows.begin(), rows.end(), have_equal_keys), rows.end());
     return rows;
 }
 

@@ -192,8 +192,7 @@ class rule_checker {
                 add_areas(kind, rules_[i].threshold, areas);
             }
             std::ranges::sort(areas);
-            const auto same = std::ranges::unique(areas);
-            areas.erase(same.begin(), same.end());
+            areas.erase(std::unique(areas.begin(), areas.end()), areas.end());
             check_hidden(numbers, areas);
         }
     }

@@ -1,10 +1,7 @@
 #include "desk/tuning/record_problem.h"
 
-#include <cstdint>
-
 #include <fmt/format.h>
 
-#include "desk/tuning/layout.h"
 #include "tuning/record_walk.h"
 
 namespace qz::desk {
@@ -57,11 +54,10 @@ problem find_fringe_problem(byte_view record, unsigned version, const record_kin
 
 problem find_rows_problem(byte_view record, unsigned version, const record_kind &kind)
 {
-    if (record.size() < kind.start)
+    const std::optional<row_counts> rows = count_rows(record, kind);
+    if (!rows)
         return silent("rows-missing", fmt::format("found size {}, too short for a row count: no rows", record.size()));
-    const int64_t stated = kind.has_long_rows() ? static_cast<int32_t>(read_le<uint32_t>(record, ISP_LONG_ROW_COUNT_AT))
-                                                : read_le<uint16_t>(record, ISP_SHORT_ROW_COUNT_AT);
-    const auto held = static_cast<int64_t>((record.size() - kind.start) / kind.size);
+    const auto [stated, held] = *rows;
     if (stated > held)
         return silent("rows-missing",
                       fmt::format("found {} rows, its bytes hold {}: the library uses {}", stated, held, held));
@@ -96,6 +92,15 @@ record_problem bad_size(size_t size, size_t left)
 {
     return {"record-size", true,
             fmt::format("found size {}, expected {} to the {} bytes left in its list", size, record_header_size, left)};
+}
+
+std::optional<row_counts> count_rows(byte_view record, const record_kind &kind)
+{
+    if (record.size() < kind.start)
+        return std::nullopt;
+    const int64_t stated = kind.has_long_rows() ? static_cast<int32_t>(read_le<uint32_t>(record, ISP_LONG_ROW_COUNT_AT))
+                                                : read_le<uint16_t>(record, ISP_SHORT_ROW_COUNT_AT);
+    return row_counts{stated, static_cast<int64_t>((record.size() - kind.start) / kind.size)};
 }
 
 } // namespace qz::desk
