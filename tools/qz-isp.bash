@@ -113,6 +113,7 @@ _qz_isp()
                 words+=" $("${line[0]/#\~/$HOME}" tuning show --values "${previous/#\~/$HOME}" 2> /dev/null < /dev/null |
                     sed -n 's/^\([^ ][^:]*\): offset .*/\1/p')"
             fi
+            ;;
         check)
             case $previous in
             --fail-on | --severity) words='note warning error' files='' ;;
