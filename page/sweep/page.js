@@ -36,10 +36,13 @@ function first_state({ ranges, columns }) {
     const varied = ranges.map((_, i) => i).filter((i) => ranges[i].values.length > 1);
     const x = varied.at(-1) ?? ranges.length - 1;
     const changing = columns.filter((column) => !is_constant(column) && !column.origin);
+    // Where a mode is off, nothing moves: begin where something does.
+    const [field] = changing;
+    const row = field ? field.values.findIndex((value) => value !== field.values[0]) : 0;
     return {
         x,
         line: varied.length > 1 ? varied.at(-2) : null,
-        places: ranges.map(() => 0),
+        places: ranges.map((range, i) => (i === x ? 0 : Math.floor(row / range.stride) % range.values.length)),
         fields: new Set(changing.length ? changing.slice(0, first_fields) : columns.slice(0, 1)),
     };
 }

@@ -148,7 +148,8 @@ function about(table, column, state, lines) {
     const parts = [];
     const here = lines.reduce((count, line) => count + line.jumps.length, 0);
     const all = count_jumps(table, column, state.x);
-    if (all) parts.push(`${count_text(here, 'jump')}${all > here ? `, ${all} in all of the sweep` : ''}`);
+    if (here) parts.push(count_text(here, 'jump'));
+    if (all > here) parts.push(`${count_text(all - here, 'jump')} elsewhere in the sweep`);
     const clips = lines.filter((line) => line.clipped.length).length;
     if (clips) parts.push(lines.length === 1 ? 'clipped' : `${count_text(clips, 'line')} clipped`);
     return parts.join('; ');
