@@ -2,7 +2,7 @@
 #   runtime   the library
 #   platform  the stand-ins for the device's log and makernote libraries
 #   devel     headers, link name, CMake package, pkg-config files, examples, documents
-#   tools     the program qz-isp with its manual page and completion
+#   tools     the program qz-isp with its manual page, completion, documents and sample
 include(CMakePackageConfigHelpers)
 
 # install_compressed(file directory component): manual pages and changelogs, as Debian keeps them.
@@ -75,14 +75,18 @@ install(
   DIRECTORY examples
   DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libqz-isp-dev
   COMPONENT devel)
-install(
-  DIRECTORY docs
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libqz-isp-dev
-  COMPONENT devel
-  FILES_MATCHING
-  PATTERN *.md
-  PATTERN *.png
-  PATTERN *.svg)
+# install_documents(package component)
+function(install_documents package component)
+  install(
+    DIRECTORY docs
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package}
+    COMPONENT ${component}
+    FILES_MATCHING
+    PATTERN *.md
+    PATTERN *.png
+    PATTERN *.svg)
+endfunction()
+install_documents(libqz-isp-dev devel)
 
 if(TARGET qz-isp)
   set_target_properties(qz-isp PROPERTIES BUILD_WITH_INSTALL_RPATH ON
@@ -93,6 +97,11 @@ if(TARGET qz-isp)
     FILES tools/qz-isp.bash
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
     RENAME qz-isp
+    COMPONENT tools)
+  install_documents(qz-isp tools)
+  install(
+    FILES tools/sample/scene.json tools/sample/tuning.json
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/qz-isp/examples
     COMPONENT tools)
 endif()
 

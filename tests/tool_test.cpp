@@ -114,6 +114,21 @@ TEST_F(program, shows_the_values_of_a_tuning)
               json::parse("[[256,10],[1024,40000]]"));
 }
 
+TEST_F(program, explains_rules_that_have_nothing_to_choose_from)
+{
+    write("tuning.json", R"({"records": [
+        {"slot": "rules", "rules": [{"kind": "frame", "op": ">=", "threshold": 1, "set_index": 0},
+                                    {"kind": "frame", "op": ">=", "threshold": 1, "set_index": 4}]},
+        {"slot": "xnr", "family": 320, "set": 0, "rows": [[1, 2]]}]})");
+    const std::string told = run("run --explain --tuning tuning.json --frame preview").out;
+    EXPECT_TRUE(contains(told, "1: frame area 1228800 >= 1: not set index 4, which the tuning does not have\n"));
+    EXPECT_TRUE(contains(told, "none is followed: the tuning has one set index\n")) << told;
+    const json explained = frame("--explain --tuning tuning.json --frame preview");
+    const json &blocks = explained.at("blocks");
+    const auto xnr = std::ranges::find(blocks, "xnr", [](const json &block) { return block.at("name"); });
+    EXPECT_EQ(xnr->at("origin").at("record").at("rule"), nullptr);
+}
+
 TEST_F(program, lists_names_that_it_takes)
 {
     write("scene.json", R"({"frames": [{"name": "dusk", "lsc": {"width": 1, "height": 1, "enable": 0,

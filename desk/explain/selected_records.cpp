@@ -88,10 +88,11 @@ filed_records::filed_records(const isp_session &session)
 }
 
 frame_selection::frame_selection(const isp_session &session, const filed_records &filed, const frame_inputs &inputs)
-    : filed_(&filed), selected_(session.selection(inputs)), index_0_first_(inputs.selection_list.has_value())
+    : filed_(&filed), selected_(session.selection(inputs)), index_0_first_(inputs.selection_list.has_value()),
+      follows_rules_(has_rules(session.context().rules, session.context().set_count))
 {
     const isp_context &context = session.context();
-    if (!has_rules(context.rules, context.set_count))
+    if (context.rules.record == nullptr || context.rules.first_rule == nullptr)
         return;
     const auto count = value_at<uint32_t>(context.rules.record, ISP_RULE_COUNT_AT);
     for (size_t i = 0; i < count; ++i)
@@ -105,7 +106,7 @@ std::optional<selected_record> frame_selection::find(tuning_slot slot) const
     if (copy == nullptr)
         return std::nullopt;
     const auto &[set, set_index, offset] = filed_->place_of(copy);
-    const bool ruled = set_index != 0 || !index_0_first_;
+    const bool ruled = follows_rules_ && (set_index != 0 || !index_0_first_);
     return selected_record{find_place(copy->id)->kind,
                            copy,
                            copy->id,

@@ -74,7 +74,8 @@ class frame_selection {
     const filed_records *filed_;
     isp_tuning_set selected_;
     std::vector<evaluated_rule> rules_;
-    bool index_0_first_; // a selection list takes it before any rule
+    bool index_0_first_;
+    bool follows_rules_; // there is more than one set index to take // a selection list takes it before any rule
 };
 
 // The rows of a record of one of the row shapes.

@@ -55,6 +55,8 @@ std::string frame_origin_text(const frame_origin &frame)
     size_t number = 0;
     for (const evaluated_rule &rule : frame.rules)
         text += labelled_line(number == 0 ? "rules" : "", rule_text(number, rule)), ++number;
+    if (!frame.rules.empty() && frame.set_count < 2)
+        text += labelled_line("", "none is followed: the tuning has one set index");
     text += labelled_line(
         "gain", fmt::format("{} (256 = 1.0){}{}", frame.gain, frame.gain_why.empty() ? "" : ": ", frame.gain_why));
     text += labelled_line("saturation", fmt::format("factor {:.6g}", frame.saturation));
