@@ -54,8 +54,8 @@ $(addprefix test-,$(TEST_PRESETS)): test-%:
 # Only what several threads do.
 test-tsan:
 	cmake --preset tsan
-	cmake --build --preset tsan --target threads_test --parallel $(JOBS)
-	ctest --preset tsan --tests-regex '^threads_test' --no-tests=error
+	cmake --build --preset tsan --target threads_test qz-isp --parallel $(JOBS)
+	ctest --preset tsan --tests-regex '^threads_' --no-tests=error
 
 # One preset after the other: each build uses all cores.
 .NOTPARALLEL:

@@ -32,6 +32,11 @@ if(QZ_ISP_TOOLS)
   add_test(NAME sample_record COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/sample_record_test.sh ${sample_record})
   add_test(NAME sample_output COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/sample_output_test.sh ${sample_record})
 
+  # Workers, which share nothing, where the sanitizer tells.
+  if(QZ_ISP_SANITIZE STREQUAL thread)
+    add_test(NAME threads_sweep COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/threads_sweep_test.sh $<TARGET_FILE:qz-isp>)
+  endif()
+
   # On emulated processors too, which have other vectors than this one: the right ones are found.
   find_program(QZ_ISP_QEMU_X86_64 qemu-x86_64)
   if(QZ_ISP_QEMU_X86_64 AND CMAKE_SIZEOF_VOID_P EQUAL 8 AND CMAKE_SYSTEM_PROCESSOR STREQUAL x86_64
