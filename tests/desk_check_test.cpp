@@ -182,6 +182,9 @@ const fault faults[] = {
     {"a_product_that_wraps", "[8192,2375]", "[65535,45000]",
      "warning interpolation-wraps tuning:xnr[0/0].rows[4].param"},
     {"a_set_far_off", "[1024,900]", "[1024,9]", "warning set-jump tuning:xnr[0/2].rows[1].param"},
+    {"a_set_of_other_sizes", "[[256,200],[1024,900],[4096,2000]]", "[[256,600],[1024,2700],[4096,6000]]",
+     "warning set-jump tuning:xnr[0/2]"},
+    {"a_value_of_another_size", "[4800,7680,80]", "[24000,7680,80]", "warning set-jump tuning:rec_3[0/1].value[0]"},
     {"a_value_far_off", "[4800,7680,80]", "[4800,768,80]", "warning set-jump tuning:rec_3[0/1].value[1]"},
     {"bounds_out_of_order", "[1024,2048,6144,7168]", "[1024,6144,2048,7168]",
      "warning curve-not-monotonic tuning:ctc_config[0/0].copied[2]"},
@@ -241,6 +244,15 @@ TEST(check, good_tunings_have_notes_at_most)
         EXPECT_TRUE(line.starts_with("note block-without-record block ")) << line;
 }
 
+// Small values beside zeros say nothing of how many times a record is its neighbour.
+TEST(check, records_with_zeros_are_no_jump)
+{
+    for (const finding &found : findings_in(R"({"records": [
+             {"slot": "long_3", "family": 768, "set": 0, "rows": [[256,0,32,0]]},
+             {"slot": "long_3", "family": 768, "set": 1, "rows": [[256,8,32,5]]}]})"))
+        EXPECT_EQ(found.code->code, "block-without-record") << line_of(found) << ": " << found.what;
+}
+
 // What blocks hold without a record is fit to be one.
 TEST(check, the_blocks_own_values_have_no_step_back)
 {
@@ -269,7 +281,10 @@ TEST(check, rules_that_others_hide)
     const hidden_case cases[] = {
         {{{frame, least, 1, 100}, {frame, least, 2, 200}}, {"rules[1]"}},
         {{{frame, least, 2, 200}, {frame, least, 1, 100}}, {}},
-        {{{frame, least, 1, 100}, {aux, least, 2, 200}}, {}},             // aux_size is another matter
+        {{{frame, least, 1, 100}, {aux, least, 2, 200}}, {}},         // small frames take the second
+        {{{frame, least, 1, 1}, {aux, least, 2, 200}}, {"rules[1]"}}, // no frame does
+        {{{frame, less, 1, 100}, {frame, least, 4, 100}, {aux, most, 2, 9}}, {"rules[2]"}},
+        {{{aux, least, 2, 200}, {frame, least, 1, 1}}, {}},               // frames may lack aux_size
         {{{frame, least, 1, 100}, {frame, least, 3, 200}}, {}},           // other slots
         {{{frame, least, 1, 100}, {frame, least, 4, 200}}, {"rules[1]"}}, // one of two slots
         {{{frame, less, 1, 100}, {frame, least, 2, 100}, {frame, more, 4, 0}}, {"rules[2]"}}, // by both together

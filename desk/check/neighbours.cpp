@@ -15,9 +15,8 @@ namespace qz::desk {
 
 namespace {
 
-// Powers of two: four times as much as the rest of the record, or a whole record of eight times.
+// Powers of two: four times as much as the rest of the record, or a whole record or fixed value of four times.
 constexpr double far_apart = 2;
-constexpr double records_apart = 3;
 
 // Of values that are compared for what is typical of a record; more say no more.
 constexpr size_t most_samples = 4096;
@@ -84,7 +83,7 @@ bool can_compare(const checked_record &record)
     return has_gain_rows(kind.layout) && record.rows > 0;
 }
 
-// How many times the record is its neighbour, in powers of two.
+// How many times the record is its neighbour, in powers of two; of 0 nothing is any number of times.
 double typical_ratio(const checked_record &record, const checked_record &neighbour)
 {
     const size_t values = record.rows * record.kind->size;
@@ -92,7 +91,7 @@ double typical_ratio(const checked_record &record, const checked_record &neighbo
     std::vector<double> ratios;
     size_t number = 0;
     compare(record, neighbour, [&](int64_t value, int64_t beside, const field &, size_t, size_t) {
-        if (number++ % step == 0 && (value != 0 || beside != 0))
+        if (number++ % step == 0 && value != 0 && beside != 0)
             ratios.push_back(std::copysign(octaves_between(beside, value), std::abs(static_cast<double>(value)) -
                                                                                std::abs(static_cast<double>(beside))));
     });
@@ -113,7 +112,7 @@ void check_values(const checked_record &record, const checked_record &neighbour,
 {
     compare(record, neighbour, [&](int64_t value, int64_t beside, const field &column, size_t i, size_t) {
         if (std::abs(value - beside) >= least_leap && value != 0 && beside != 0 &&
-            octaves_between(value, beside) > records_apart)
+            octaves_between(value, beside) > far_apart)
             report.add("set-jump", place_of(record, column, i),
                        fmt::format("found {}, {} in {}", value, beside, name_of(neighbour)));
     });
@@ -123,7 +122,7 @@ void check_rows(const checked_record &record, const checked_record &neighbour, c
 {
     const double typical = typical_ratio(record, neighbour);
     const double times = std::exp2(typical);
-    if (std::abs(typical) > records_apart)
+    if (std::abs(typical) > far_apart)
         report.add("set-jump", place_of(record),
                    fmt::format("found values about {:.3g} times those of {}", times, name_of(neighbour)));
 

@@ -178,64 +178,87 @@ class rule_checker {
         return std::ranges::all_of(areas, [&](int32_t area) { return matches(rule, area); });
     }
 
-    // Slots that a rule's set index has and that earlier rules have always filled. Only rules that look at the same
-    // geometry can be counted on: a frame may lack the other.
+    // Slots that a rule's set index has and that earlier rules have always filled. Every frame has a size, so that
+    // rules for it can hide those for the second geometry, but not the other way round: a frame may lack that.
     void check_hidden()
     {
-        for (uint16_t kind = 1; kind <= std::size(rule_kinds); ++kind) {
-            std::vector<size_t> numbers;
-            std::vector<int32_t> areas = ends_of(kind);
-            for (size_t i = 0; i < rules_.size(); ++i) {
-                if (rules_[i].kind != kind)
-                    continue;
-                numbers.push_back(i);
-                add_areas(kind, rules_[i].threshold, areas);
-            }
-            std::ranges::sort(areas);
-            areas.erase(std::unique(areas.begin(), areas.end()), areas.end());
-            check_hidden(numbers, areas);
-        }
+        const std::vector<slot_set> filled_before = filled_in_every_frame();
+        for (uint16_t kind = 1; kind <= std::size(rule_kinds); ++kind)
+            check_hidden(kind, kind == frame_kind ? std::vector<slot_set>(rules_.size()) : filled_before);
     }
 
-    void check_hidden(const std::vector<size_t> &numbers, const std::vector<int32_t> &areas)
+    std::vector<int32_t> areas_of(uint16_t kind) const
     {
-        std::vector<slot_set> taken(numbers.size());
-        std::vector<bool> holds(numbers.size());
+        std::vector<int32_t> areas = ends_of(kind);
+        for (const isp_selection_rule &rule : rules_)
+            if (rule.kind == kind)
+                add_areas(kind, rule.threshold, areas);
+        std::ranges::sort(areas);
+        areas.erase(std::unique(areas.begin(), areas.end()), areas.end());
+        return areas;
+    }
+
+    // For each rule the slots that the rules for the frame before it have filled, whatever its area is.
+    std::vector<slot_set> filled_in_every_frame() const
+    {
+        std::vector<slot_set> filled_before(rules_.size(), ~slot_set{0});
+        for (const int32_t area : areas_of(frame_kind)) {
+            slot_set filled = 0;
+            for (size_t i = 0; i < rules_.size(); ++i) {
+                filled_before[i] &= filled;
+                if (rules_[i].kind == frame_kind && matches(rules_[i], area))
+                    filled |= slots_at(rules_[i].set_index);
+            }
+        }
+        return filled_before;
+    }
+
+    void check_hidden(uint16_t kind, const std::vector<slot_set> &filled_before)
+    {
+        std::vector<slot_set> taken(rules_.size());
+        std::vector<bool> holds(rules_.size());
+        const std::vector<int32_t> areas = areas_of(kind);
         for (const int32_t area : areas) {
             slot_set filled = 0;
-            for (size_t n = 0; n < numbers.size(); ++n) {
-                const isp_selection_rule &rule = rules_[numbers[n]];
-                if (!can_hold(rule, area))
+            for (size_t i = 0; i < rules_.size(); ++i) {
+                if (rules_[i].kind != kind || !can_hold(rules_[i], area))
                     continue;
-                holds[n] = true;
-                taken[n] |= slots_at(rule.set_index) & ~filled;
-                filled |= slots_at(rule.set_index);
+                const slot_set slots = slots_at(rules_[i].set_index);
+                holds[i] = true;
+                taken[i] |= slots & ~filled & ~filled_before[i];
+                filled |= slots;
             }
         }
-        for (size_t n = 0; n < numbers.size(); ++n) {
-            const slot_set slots = slots_at(rules_[numbers[n]].set_index);
-            if (holds[n] && (slots & ~taken[n]) != 0)
-                report_hidden(numbers, n, slots & ~taken[n], slots, areas);
+        for (size_t i = 0; i < rules_.size(); ++i) {
+            const slot_set slots = slots_at(rules_[i].set_index);
+            if (holds[i] && (slots & ~taken[i]) != 0)
+                report_hidden(i, slots & ~taken[i], slots, areas);
         }
     }
 
-    void report_hidden(const std::vector<size_t> &numbers, size_t n, slot_set hidden, slot_set slots,
-                       const std::vector<int32_t> &areas)
+    // Whether a frame that the rule holds for may have taken records by the earlier one.
+    bool meets(const isp_selection_rule &rule, const isp_selection_rule &earlier,
+               const std::vector<int32_t> &areas) const
     {
-        const isp_selection_rule &rule = rules_[numbers[n]];
+        if (earlier.kind != rule.kind)
+            return earlier.kind == frame_kind;
+        return std::ranges::any_of(areas, [&](int32_t area) { return matches(rule, area) && matches(earlier, area); });
+    }
+
+    void report_hidden(size_t i, slot_set hidden, slot_set slots, const std::vector<int32_t> &areas)
+    {
+        const isp_selection_rule &rule = rules_[i];
         std::vector<std::string> before;
-        for (size_t m = 0; m < n; ++m) {
-            const isp_selection_rule &earlier = rules_[numbers[m]];
-            const bool meets =
-                std::ranges::any_of(areas, [&](int32_t area) { return matches(rule, area) && matches(earlier, area); });
-            if (meets && (slots_at(earlier.set_index) & hidden) != 0)
-                before.push_back(fmt::format("rules[{}] ({})", numbers[m], rule_text(earlier)));
+        for (size_t m = 0; m < i; ++m) {
+            const isp_selection_rule &earlier = rules_[m];
+            if ((slots_at(earlier.set_index) & hidden) != 0 && meets(rule, earlier, areas))
+                before.push_back(fmt::format("rules[{}] ({})", m, rule_text(earlier)));
         }
         std::vector<std::string_view> names;
         for (unsigned slot = 0; slot < static_cast<unsigned>(tuning_slot::none); ++slot)
             if ((hidden & bit_of(static_cast<tuning_slot>(slot))) != 0)
                 names.push_back(slot_name(static_cast<tuning_slot>(slot)));
-        report_.add("rule-hidden", place_of_rule(numbers[n]),
+        report_.add("rule-hidden", place_of_rule(i),
                     fmt::format("found {} for set index {}: {} ({}) from {} first", rule_text(rule), rule.set_index,
                                 hidden == slots ? "frames take all its records" : "frames take some of its records",
                                 fmt::join(names, ", "), fmt::join(before, " and ")));
