@@ -1,4 +1,5 @@
 // What differs between two files.
+#include <algorithm>
 #include <memory>
 
 #include <gtest/gtest.h>
@@ -68,7 +69,8 @@ TEST(diff, tells_every_value_at_its_place)
          "frame 0: name \"\">\"a\\n\" effects 0>2 aux_size.unused[0] ->0 aux_size.unused[1] ->0 aux_size.width ->0 "
          "aux_size.height ->7\n"},
         // A frame is called by its name where both scenes have the same.
-        {scene_of(R"({"name": "day"}, {"name": "dusk"})"), scene_of(R"({"name": "day", "hue": 1}, {"name": "dawn", "hue": 0})"),
+        {scene_of(R"({"name": "day"}, {"name": "dusk"})"),
+         scene_of(R"({"name": "day", "hue": 1}, {"name": "dawn", "hue": 0})"),
          "frame 0 (day): hue 0>1\nframe 1: name \"dusk\">\"dawn\"\n"},
         {scene_of(R"({"gamma": {"curve": [null, [0, 1], null]}, "selection_list": [7]})"),
          scene_of(R"({"gamma": {"curve": [null, [0, 0.5], null]}, "selection_list": [8]})"),
@@ -86,6 +88,28 @@ TEST(diff, tells_every_value_at_its_place)
     EXPECT_EQ(differences(pack_container("a", tuning(one)), bytes_of(tuning(one))), "");
     EXPECT_EQ(error_of([&] { differences(bytes_of(tuning(one)), bytes_of(scene_of("{}"))); }),
               "b: found a scene, expected a tuning as in a");
+}
+
+// At any depth once: also where set containers are kept as bytes.
+TEST(diff, tells_a_nested_value_once)
+{
+    const auto nested = [](unsigned depth, uint8_t last) {
+        byte_buffer bytes(24);
+        std::ranges::copy(std::string_view("VUXB"), bytes.begin());
+        for (unsigned left = depth; left > 0; --left) {
+            const unsigned size = 8 * left + 9; // with those inside and a record of one byte
+            for (const unsigned byte : {size & 255, size >> 8, 0u, 0u, 100u, 0u, 1u, 252u})
+                bytes.push_back(static_cast<uint8_t>(byte));
+        }
+        for (const unsigned byte : {9u, 0u, 0u, 0u, 100u, 0u, 188u, 2u, unsigned{last}})
+            bytes.push_back(static_cast<uint8_t>(byte));
+        return bytes;
+    };
+    EXPECT_EQ(differences(nested(2, 0), nested(2, 9)), "set index 1, id 700: bytes[0] \"00\">\"09\"\n");
+    EXPECT_EQ(differences(nested(64, 0), nested(64, 9)), "set index 1, id 700: bytes[0] \"00\">\"09\"\n");
+    EXPECT_EQ(differences(nested(65, 0), nested(65, 9)),
+              "set index 1, id 64513: bytes[0] \"090000006400bc0200\">\"090000006400bc0209\"\n");
+    EXPECT_EQ(differences(nested(70, 9), nested(70, 9)), "");
 }
 
 TEST(diff, gives_values_to_the_second_file)

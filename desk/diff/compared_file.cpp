@@ -86,7 +86,8 @@ compared_file read_compared(std::string name, byte_buffer bytes, const std::vect
     }
     byte_buffer container = container_bytes(name, std::move(bytes));
     set_values(settings, container);
-    std::vector<file_part> parts = tuning_parts(read_container(name, container));
+    expect_container(name, container);
+    std::vector<file_part> parts = tuning_parts(container);
     return {std::move(name), "a tuning", std::move(container), std::move(parts)};
 }
 

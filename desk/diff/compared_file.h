@@ -13,8 +13,8 @@ namespace qz::desk {
 struct compared_file {
     std::string name;
     std::string_view kind;
-    byte_buffer bytes; // but those of a scene; of records, those in use
-    std::vector<file_part> parts;
+    byte_buffer bytes;            // but those of a scene; of records, those in use
+    std::vector<file_part> parts; // which may point into the bytes
 };
 
 // name: what messages call the file. settings: "NAME=VALUE", given to a tuning by the names of find_tuning_value() and

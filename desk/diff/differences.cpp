@@ -15,27 +15,35 @@ namespace {
 
 using value_index = std::unordered_map<std::string, const placed_value *>;
 
-value_index index_values(const file_part &part)
+std::vector<placed_value> values_of(const file_part &part)
+{
+    return part.values_of != nullptr ? part.values_of(part.bytes) : part.values;
+}
+
+value_index index_values(const std::vector<placed_value> &values)
 {
     value_index index;
-    for (const placed_value &value : part.values)
+    for (const placed_value &value : values)
         index.emplace(value.field + value.index, &value);
     return index;
 }
 
 std::vector<difference> compare_values(const file_part &a, const file_part &b)
 {
-    const value_index in_b = index_values(b);
+    if (a.values_of != nullptr && a.values_of == b.values_of && std::ranges::equal(a.bytes, b.bytes))
+        return {};
+    const std::vector<placed_value> values_a = values_of(a), values_b = values_of(b);
+    const value_index in_b = index_values(values_b);
     std::vector<difference> differences;
-    for (const placed_value &value : a.values) {
+    for (const placed_value &value : values_a) {
         const auto other = in_b.find(value.field + value.index);
         if (other == in_b.end())
             differences.push_back({value.field, value.index, value.value, std::nullopt});
         else if (other->second->value != value.value)
             differences.push_back({value.field, value.index, value.value, other->second->value});
     }
-    const value_index in_a = index_values(a);
-    for (const placed_value &value : b.values) {
+    const value_index in_a = index_values(values_a);
+    for (const placed_value &value : values_b) {
         if (!in_a.contains(value.field + value.index))
             differences.push_back({value.field, value.index, std::nullopt, value.value});
     }
@@ -46,6 +54,7 @@ std::vector<difference> compare_values(const file_part &a, const file_part &b)
 std::vector<part_difference> compare_parts(const std::vector<file_part> &a, const std::vector<file_part> &b)
 {
     std::unordered_map<std::string_view, const file_part *> in_b;
+    in_b.reserve(b.size());
     for (const file_part &part : b)
         in_b.emplace(part.name, &part);
     std::vector<part_difference> differences;

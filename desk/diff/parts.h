@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "desk/base/bytes.h"
+
 namespace qz::desk {
 
 struct placed_value {
@@ -17,6 +19,10 @@ struct file_part {
     std::string name;
     std::vector<placed_value> values;
     std::string title = {}; // that the file itself gives the part, or empty
+
+    // Of a part among millions: its values are made only where its bytes are not those of the other file's part.
+    byte_view bytes = {};
+    std::vector<placed_value> (*values_of)(byte_view bytes) = nullptr;
 };
 
 } // namespace qz::desk

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include "desk/tuning/container.h"
 #include "desk/tuning/to_json.h"
 
 namespace qz::desk {
@@ -41,20 +42,52 @@ void flatten(const json &value, const std::string &field, const std::string &ind
     }
 }
 
+std::vector<placed_value> values_in(const json &object)
+{
+    std::vector<placed_value> values;
+    flatten(object, "", "", values);
+    return values;
+}
+
+template <unsigned depth>
+std::vector<placed_value> record_values(byte_view record)
+{
+    return values_in(source_object(*record_list(record, 0, depth).begin()));
+}
+
+std::vector<placed_value> container_values(byte_view bytes)
+{
+    return values_in(source_object(container_of(bytes)));
+}
+
+size_t count_records(const record_list &list)
+{
+    size_t count = 0;
+    for (const tuning_record &record : list)
+        count += 1 + (record.is_set_container ? count_records(record.nested) : 0);
+    return count;
+}
+
 class part_list {
   public:
-    void add(const json &object, const std::string &name)
+    void add(const std::string &name, byte_view bytes, std::vector<placed_value> (*values_of)(byte_view bytes))
     {
         // Records of one place replace one another, so that their order is part of what they are.
         const unsigned number = ++times_[name];
-        parts.push_back({number == 1 ? name : fmt::format("{} ({} of this place)", name, number), {}});
-        flatten(object, "", "", parts.back().values);
+        file_part &part = parts.emplace_back();
+        part.name = number == 1 ? name : fmt::format("{} ({} of this place)", name, number);
+        part.bytes = bytes;
+        part.values_of = values_of;
     }
 
     void add_list(const record_list &list, unsigned set_index)
     {
-        for (const tuning_record &record : list) {
-            add(source_object(record), record_name(record, set_index));
+        for (record_iterator next = list.begin(); next != list.end(); ++next) {
+            const tuning_record record = *next;
+            // One that is nested too deep to be a set container stays one.
+            const bool is_bytes = record.id >= first_set_container_id && !record.is_set_container;
+            add(record_name(record, set_index), next.rest().first(record.size()),
+                is_bytes ? record_values<max_nesting> : record_values<0>);
             if (record.is_set_container)
                 add_list(record.nested, record.id - unsigned{set_container_base});
         }
@@ -79,11 +112,13 @@ class part_list {
 
 } // namespace
 
-std::vector<file_part> tuning_parts(const tuning_container &container)
+std::vector<file_part> tuning_parts(byte_view container)
 {
+    const record_list records = container_of(container).list;
     part_list list;
-    list.add(source_object(container), "container");
-    list.add_list(container.list, 0);
+    list.parts.reserve(1 + count_records(records));
+    list.add("container", container, container_values);
+    list.add_list(records, 0);
     return std::move(list.parts);
 }
 

@@ -3,11 +3,12 @@
 
 #include <vector>
 
+#include "desk/base/bytes.h"
 #include "desk/diff/parts.h"
-#include "desk/tuning/container.h"
 
 namespace qz::desk {
 
-std::vector<file_part> tuning_parts(const tuning_container &container);
+// Of the bytes of a container, to which the parts point.
+std::vector<file_part> tuning_parts(byte_view container);
 
 } // namespace qz::desk

@@ -136,7 +136,7 @@ bool tuning_container::has_errors() const
     return std::ranges::any_of(problems, &tuning_problem::error);
 }
 
-tuning_container read_container(const std::string &file, byte_view bytes)
+void expect_container(const std::string &file, byte_view bytes)
 {
     if (bytes.size() < container_header_size)
         fail({file, "", fmt::format("{} bytes", bytes.size()),
@@ -145,11 +145,23 @@ tuning_container read_container(const std::string &file, byte_view bytes)
         fail({file, "offset 0", fmt::format("the bytes {}", hex_text(bytes.first(4))), "the tag \"VUXB\" (56555842)"});
     if (bytes.size() > UINT32_MAX)
         fail({file, "", fmt::format("{} bytes", bytes.size()), "at most 4294967295"});
+}
 
-    const record_list list(bytes.subspan(container_header_size), container_header_size, 0);
+tuning_container container_of(byte_view bytes)
+{
+    return {bytes.subspan(4, container_header_size - 4),
+            record_list(bytes.subspan(container_header_size), container_header_size, 0),
+            {}};
+}
+
+tuning_container read_container(const std::string &file, byte_view bytes)
+{
+    expect_container(file, bytes);
+    tuning_container container = container_of(bytes);
     problem_finder finder(file, bytes);
-    finder.check(list, 0);
-    return {bytes.subspan(4, container_header_size - 4), list, std::move(finder.problems)};
+    finder.check(container.list, 0);
+    container.problems = std::move(finder.problems);
+    return container;
 }
 
 std::string problem_text(const tuning_problem &problem)

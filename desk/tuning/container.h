@@ -91,7 +91,13 @@ struct tuning_container {
     bool has_errors() const;
 };
 
-// Fails for bytes that are no container at all. The views point into the bytes.
+// Fails for bytes that are no container at all.
+void expect_container(const std::string &file, byte_view bytes);
+
+// A container whose problems nobody asks for. The views point into the bytes.
+tuning_container container_of(byte_view bytes);
+
+// Both, and the problems.
 tuning_container read_container(const std::string &file, byte_view bytes);
 
 // "offset 72, id 339: found ..., expected ..."
