@@ -179,6 +179,8 @@ const fault faults[] = {
     {"a_digit_less", "[4096,1745]", "[4096,174]", "note gain-not-monotonic tuning:xnr[0/0].rows[3].param"},
     {"a_digit_more", "[8192,2375]", "[8192,23750]", "warning row-jump tuning:xnr[0/0].rows[4].param"},
     {"a_first_digit_less", "[256,160],", "[256,1],", "warning row-jump tuning:xnr[0/0].rows[1].param"},
+    {"a_digit_less_between_even_ones", "[[256,120],[1024,540],[4096,1309]]",
+     "[[256,1250],[1024,130],[4096,1309],[16384,1320]]", "warning row-jump tuning:xnr[0/1].rows[1].param"},
     {"a_product_that_wraps", "[8192,2375]", "[65535,45000]",
      "warning interpolation-wraps tuning:xnr[0/0].rows[4].param"},
     {"a_set_far_off", "[1024,900]", "[1024,9]", "warning set-jump tuning:xnr[0/2].rows[1].param"},

@@ -120,7 +120,8 @@ void check_turns(const column &values, const reporter &report)
 }
 
 // A step is a leap when it is a quarter of the column's largest value and four times what steps of the column are
-// otherwise, by difference or by ratio, for a doubling of the gain.
+// otherwise, by difference or by ratio, for a doubling of the gain. In a short column the two steps of one value that
+// is off are what steps are typically: a value four times below or above those on either side is one, too.
 class leap_finder {
   public:
     void check(const column &values, const reporter &report)
@@ -131,18 +132,34 @@ class leap_finder {
         const double typical_step = typical(steps_);
         const double typical_ratio = typical(ratios_);
         for (size_t i = 0; i + 1 < values.size(); ++i) {
-            const int64_t step = std::abs(values.step(i));
-            if (step < std::max(least_leap, largest_ / 4))
-                continue;
-            if (steps_[i] > far_more * typical_step || ratios_[i] > far_more * typical_ratio)
+            const bool is_far = steps_[i] > far_more * typical_step || ratios_[i] > far_more * typical_ratio;
+            if (is_far && is_large(values.step(i)))
                 report.add("row-jump", values.place(i + 1),
                            fmt::format("found {} behind {}, a step of {} where {:.0f} would be as elsewhere",
-                                       values.at(i + 1), values.at(i), step, typical_step * values.distance(i)));
+                                       values.at(i + 1), values.at(i), std::abs(values.step(i)),
+                                       typical_step * values.distance(i)));
+            else if (i + 2 < values.size() && is_peak(values, i + 1))
+                report.add("row-jump", values.place(i + 1),
+                           fmt::format("found {} between {} and {}", values.at(i + 1), values.at(i), values.at(i + 2)));
         }
     }
 
   private:
     static constexpr double far_more = 4;
+
+    bool is_large(int64_t step) const { return std::abs(step) >= std::max(least_leap, largest_ / 4); }
+
+    // Up or down.
+    bool is_peak(const column &values, size_t i) const
+    {
+        const int64_t before = values.step(i - 1);
+        const int64_t behind = values.step(i);
+        const bool turns = before > 0 ? behind < 0 : before < 0 && behind > 0;
+        const double least = std::log2(far_more);
+        return turns && (is_large(before) || is_large(behind)) &&
+               octaves_between(values.at(i - 1), values.at(i)) > least &&
+               octaves_between(values.at(i), values.at(i + 1)) > least;
+    }
 
     void measure(const column &values)
     {
