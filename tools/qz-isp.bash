@@ -4,6 +4,7 @@
 _qz_isp_names()
 {
     local i inputs=()
+    [[ ${line[1]} == compare && ${line[2]} != -* ]] && inputs=(--tuning "${line[2]/#\~/$HOME}")
     for ((i = 2; i + 1 < ${#line[@]}; ++i)); do
         [[ ${line[i]} == --tuning || ${line[i]} == --scene ]] && inputs+=("${line[i]}" "${line[i + 1]/#\~/$HOME}")
     done
@@ -81,7 +82,9 @@ _qz_isp()
         ;;
     'compare '*)
         case $previous in
-        --frame) ;;
+        --scene) files=yes ;;
+        --frame) words=$(_qz_isp_names frame) ;;
+        --set | --change | --over) _qz_isp_settings ;;
         *) words='--scene --frame --set --change --over --jobs --json --all' files=yes ;;
         esac
         ;;
