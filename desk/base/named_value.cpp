@@ -81,4 +81,12 @@ void named_value::set(double value) const
     });
 }
 
+double named_value::get() const
+{
+    return visit_type(type, [&](auto typed) {
+        std::memcpy(&typed, place, sizeof typed);
+        return static_cast<double>(typed);
+    });
+}
+
 } // namespace qz::desk

@@ -49,6 +49,7 @@ struct named_value {
     // Of a text: a number that the type has, or words. Fails at others.
     double read(const value_option &option, std::string_view text) const;
     void set(double value) const;
+    double get() const;
 };
 
 } // namespace qz::desk

@@ -19,6 +19,20 @@ bool is_used(const field &described)
 }
 
 constexpr std::string_view effects_name = "effects";
+constexpr std::string_view shading_name = "lsc.enable"; // where there are grids
+
+// Calls visitor with every field and what stands before its name.
+template <typename Visitor>
+void visit_fields(Visitor visitor)
+{
+    for (const input_group &group : input_groups()) {
+        const std::string prefix = group.path.empty() ? "" : fmt::format("{}.", group.path);
+        for (const field &described : group.fields) {
+            if (is_used(described))
+                visitor(described, prefix);
+        }
+    }
+}
 
 // Effects joined with "+", as a flag word.
 std::optional<double> effects_word(std::string_view text)
@@ -56,7 +70,7 @@ named_value find_input(const value_option &option, std::string_view name, frame_
 {
     if (name == effects_name)
         return {std::string(name), element::u32, &inputs.controls.effects, &effect_words};
-    if (name == "lsc.enable") {
+    if (name == shading_name) {
         if (!inputs.lsc)
             option.fail("a frame without lsc", "one with lens shading grids");
         return {std::string(name), element::u8, &inputs.lsc->enable};
@@ -82,16 +96,24 @@ std::vector<value_names> input_names()
 {
     std::vector<value_names> names = {{std::string(gain_name), "", values_of(element::f32)},
                                       {std::string(effects_name), "", expected_effects()},
-                                      {"lsc.enable", "", values_of(element::u8)}};
-    for (const input_group &group : input_groups()) {
-        const std::string prefix = group.path.empty() ? "" : fmt::format("{}.", group.path);
-        for (const field &described : group.fields) {
-            if (is_used(described))
-                names.push_back({prefix + element_name(described, 0),
-                                 described.count > 1 ? prefix + element_name(described, described.count - 1) : "",
-                                 values_of(described.type)});
-        }
-    }
+                                      {std::string(shading_name), "", values_of(element::u8)}};
+    visit_fields([&](const field &described, const std::string &prefix) {
+        names.push_back({prefix + element_name(described, 0),
+                         described.count > 1 ? prefix + element_name(described, described.count - 1) : "",
+                         values_of(described.type)});
+    });
+    return names;
+}
+
+std::vector<std::string> single_input_names(const frame_inputs &inputs)
+{
+    std::vector<std::string> names = {std::string(gain_name), std::string(effects_name)};
+    if (inputs.lsc)
+        names.emplace_back(shading_name);
+    visit_fields([&](const field &described, const std::string &prefix) {
+        for (uint32_t i = 0; i < described.count; ++i)
+            names.push_back(prefix + element_name(described, i));
+    });
     return names;
 }
 

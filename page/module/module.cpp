@@ -18,6 +18,8 @@
 #include "desk/record/dump.h"
 #include "desk/report/data.h"
 #include "desk/run/settings.h"
+#include "desk/scene/frame_fields.h"
+#include "desk/scene/input_by_name.h"
 #include "desk/tuning/container.h"
 #include "desk/tuning/load.h"
 #include "desk/tuning/to_json.h"
@@ -53,7 +55,7 @@ namespace {
 // What the host hands over, in the order of its numbers.
 enum input : uint8_t { tuning_input, scene_input, request_input, input_count };
 
-std::array<byte_buffer, input_count> inputs;
+std::array<byte_buffer, input_count> held_inputs;
 byte_buffer result;
 
 void set_result(std::string_view text)
@@ -72,7 +74,7 @@ struct request {
 
 request read_request()
 {
-    const json_document text = parse_json("request", text_of(inputs[request_input]));
+    const json_document text = parse_json("request", text_of(held_inputs[request_input]));
     const json_node document(text);
     document.expect_names({"tuning", "scene", "frame", "settings"});
     request read;
@@ -92,8 +94,9 @@ request read_request()
 // A scene and a container with the request's settings.
 struct prepared {
     explicit prepared(const request &asked)
-        : setup(read_scene(asked.scene_name, text_of(inputs[scene_input]))), chosen(choose_frames(setup, asked.frame)),
-          container(usable_container(asked.tuning_name, inputs[tuning_input]))
+        : setup(read_scene(asked.scene_name, text_of(held_inputs[scene_input]))),
+          chosen(choose_frames(setup, asked.frame)),
+          container(usable_container(asked.tuning_name, held_inputs[tuning_input]))
     {
         apply_settings(asked.settings, setup, chosen, container);
     }
@@ -113,8 +116,8 @@ struct prepared {
 // Room for the bytes of an input, which the host fills.
 QZ_MODULE_EXPORT(input_bytes) uint8_t *input_bytes(uint32_t which, uint32_t size)
 {
-    inputs.at(which).assign(size, 0);
-    return inputs.at(which).data();
+    held_inputs.at(which).assign(size, 0);
+    return held_inputs.at(which).data();
 }
 
 QZ_MODULE_EXPORT(result_bytes) const uint8_t *result_bytes()
@@ -135,6 +138,28 @@ QZ_MODULE_EXPORT(report) void report()
     json data = {{"tuning", asked.tuning_name}, {"scene", asked.scene_name}};
     data.update(report_data(from.setup, from.container, asked.tuning_name, from.chosen));
     set_result(data.dump(-1, ' ', false, json::error_handler_t::replace));
+}
+
+// The frames of the scene, and the inputs of the chosen one with their values and the range of their types, as JSON.
+QZ_MODULE_EXPORT(inputs) void inputs()
+{
+    const request asked = read_request();
+    prepared from(asked);
+    json frames = json::array();
+    for (const frame_inputs &frame : from.setup.frames)
+        frames.push_back(frame.name);
+    frame_inputs &frame = from.setup.frames[from.chosen.first];
+    json list = json::array();
+    for (const std::string &name : single_input_names(frame)) {
+        frame_inputs held = frame; // finding makes what is missing
+        const named_value found = find_input({"inputs", name}, name, held);
+        list.push_back({{"name", name},
+                        {"least", found.least()},
+                        {"most", found.most()},
+                        {"whole", found.is_whole()},
+                        {"value", found.get()}});
+    }
+    set_result(json{{"frames", std::move(frames)}, {"effects", effect_names}, {"inputs", std::move(list)}}.dump());
 }
 
 // The bytes in use of the chosen frames' records.
@@ -162,12 +187,12 @@ QZ_MODULE_EXPORT(makernote) void makernote()
 // The container of a tuning, and its JSON source.
 QZ_MODULE_EXPORT(container) void container()
 {
-    result = usable_container(read_request().tuning_name, inputs[tuning_input]);
+    result = usable_container(read_request().tuning_name, held_inputs[tuning_input]);
 }
 
 QZ_MODULE_EXPORT(source) void source()
 {
     const std::string name = read_request().tuning_name;
-    const byte_buffer bytes = container_bytes(name, inputs[tuning_input]);
+    const byte_buffer bytes = container_bytes(name, held_inputs[tuning_input]);
     set_result(container_source(read_container(name, bytes)));
 }
