@@ -10,7 +10,7 @@ INSTALL_DEPS ?= scripts/install-deps.sh
 
 .PHONY: help run test $(addprefix test-,$(TEST_PRESETS)) test-tsan check check-format check-tidy check-cppcheck format bench \
 	bench-device fuzz determinism verify-powers coverage docs package abi digests pictures report-bundle test-report \
-	test-module clean
+	report-module test-module clean
 
 help:
 	@echo 'make run       install what is missing, build, and print the record of a sample frame'
@@ -25,14 +25,15 @@ help:
 	@echo 'make coverage  line and branch coverage of the library'
 	@echo 'make docs      API pages from the headers, in build/docs/html'
 	@echo 'make package   Debian packages of the 64-bit and the 32-bit library, in build/packages'
-	@echo 'make report-bundle  the page of qz-isp report for the builds that follow; installs node and npm'
+	@echo 'make report-bundle  the live page of qz-isp report for the builds that follow; installs node, npm and clang'
 	@echo 'make test-report  the page of qz-isp report in headless Chromium'
 	@echo 'make test-module  the library and the desk as WebAssembly, beside the program'
 	@echo 'make digests   write down changed records and makernotes, see CONTRIBUTING.md'
 	@echo 'make abi       write down a changed binary interface, see CONTRIBUTING.md'
 
 # The page of qz-isp report takes Node.js, which is not worth installing for a look at a record.
-page_where_possible = if type -P node npm > /dev/null; then node page/build.mjs --install build/report-bundle || true; fi
+page_where_possible = if type -P node npm > /dev/null; then node page/build.mjs --install build/report-bundle || true; fi; \
+	if [ -d build/wasm ]; then cmake --build --preset wasm --parallel $(JOBS); fi
 
 run:
 	@$(INSTALL_DEPS) run
@@ -154,9 +155,14 @@ digests:
 	cmake --preset native > /dev/null
 	cmake --build --preset native --target update-digests
 
+# The library and the desk as a WebAssembly module, which makes the page live.
+report-module:
+	$(INSTALL_DEPS) module
+	cmake --preset wasm > /dev/null
+	cmake --build --preset wasm --parallel $(JOBS)
+
 # The page of qz-isp report, for the builds that follow.
-report-bundle:
-	$(INSTALL_DEPS) node
+report-bundle: report-module
 	node page/build.mjs --install build/report-bundle
 
 # The page in headless Chromium; screenshots are left in build/report-test.
@@ -167,13 +173,10 @@ test-report: report-bundle
 	mkdir -p build/report-test
 	cp tests/report/package.json tests/report/package-lock.json build/report-test
 	cd build/report-test && npm ci --ignore-scripts --no-audit --no-fund --loglevel=error && \
-		PROGRAM=../native/qz-isp node --test ../../tests/report/page_test.mjs
+		PROGRAM=../native/qz-isp node --test ../../tests/report/page_test.mjs ../../tests/report/live_test.mjs
 
-# The library and the desk as a WebAssembly module, beside the program.
-test-module:
-	$(INSTALL_DEPS) module
-	cmake --preset wasm
-	cmake --build --preset wasm --parallel $(JOBS)
+# The module beside the program.
+test-module: report-module
 	cmake --preset native > /dev/null
 	cmake --build --preset native --target qz-isp --parallel $(JOBS)
 	MODULE=build/wasm/qz-isp-module.wasm PROGRAM=build/native/qz-isp node --test tests/module/module_test.mjs

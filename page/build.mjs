@@ -102,7 +102,7 @@ function write_source(text) {
 }
 
 // The folders of what is bundled.
-const files = ['.', 'sweep'].flatMap((folder) =>
+const files = ['.', 'live', 'module', 'sweep'].flatMap((folder) =>
     readdirSync(join(sources, folder), { withFileTypes: true })
         .filter((entry) => entry.isFile())
         .map(({ name }) => join(folder, name)),

@@ -15,8 +15,9 @@ endif()
 set(report_page_source base/report_no_page.cpp) # in tools/
 if(QZ_ISP_REPORT_PAGE STREQUAL AUTO OR QZ_ISP_REPORT_PAGE)
   if(node_version VERSION_GREATER_EQUAL 18)
-    file(GLOB report_sources LIST_DIRECTORIES false CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*
-                                                                       ${CMAKE_CURRENT_LIST_DIR}/sweep/*)
+    file(GLOB report_sources LIST_DIRECTORIES false CONFIGURE_DEPENDS
+         ${CMAKE_CURRENT_LIST_DIR}/* ${CMAKE_CURRENT_LIST_DIR}/live/* ${CMAKE_CURRENT_LIST_DIR}/module/*.js
+         ${CMAKE_CURRENT_LIST_DIR}/sweep/*)
     set(report_page_source ${QZ_ISP_REPORT_BUNDLE_DIR}/report_page.cpp)
     add_custom_command(
       OUTPUT ${report_page_source}
@@ -36,4 +37,17 @@ if(QZ_ISP_REPORT_PAGE STREQUAL AUTO OR QZ_ISP_REPORT_PAGE)
   else()
     message(FATAL_ERROR "QZ_ISP_REPORT_PAGE: found node ${node_version}, expected node 18 or newer with npm")
   endif()
+endif()
+
+# The module that makes the page live, where it was built: report_module_source holds it or none.
+set(QZ_ISP_MODULE_FILE ${CMAKE_SOURCE_DIR}/build/wasm/qz-isp-module.wasm CACHE FILEPATH
+    "The WebAssembly module that the page of qz-isp report carries")
+set(report_module_source base/report_no_module.cpp) # in tools/
+if(EXISTS ${QZ_ISP_MODULE_FILE} AND node_version VERSION_GREATER_EQUAL 18)
+  set(report_module_source ${CMAKE_CURRENT_BINARY_DIR}/report_module.cpp)
+  add_custom_command(
+    OUTPUT ${report_module_source}
+    COMMAND ${QZ_ISP_NODE} ${CMAKE_CURRENT_LIST_DIR}/module/embed.mjs ${QZ_ISP_MODULE_FILE} ${report_module_source}
+    DEPENDS ${QZ_ISP_MODULE_FILE} ${CMAKE_CURRENT_LIST_DIR}/module/embed.mjs
+    COMMENT "Packing the module of the page")
 endif()

@@ -50,17 +50,37 @@ const basis = () => ({
     },
 });
 
-const shown = new Map(); // element to {instance, options}
+const shown = new Map(); // element to {label, instance, options, stale}
+const places = new Map(); // label to element
 
 const resizes = new ResizeObserver((entries) => {
-    for (const { target } of entries) shown.get(target)?.instance.resize();
+    for (const { target } of entries) shown.get(target)?.instance?.resize();
 });
 
+// Charts far from what can be seen are drawn when they come near.
+const nearby = new IntersectionObserver(
+    (entries) => {
+        for (const { target, isIntersecting } of entries) {
+            const entry = shown.get(target);
+            if (!entry) continue;
+            entry.near = isIntersecting;
+            if (isIntersecting && entry.stale) draw(target, entry);
+        }
+    },
+    { rootMargin: '300px' },
+);
+
 // A place for a chart with a width to height ratio; draw_charts() fills it once it is in the document. options: a
-// function, so that colours are asked for when the chart is drawn.
+// function, so that colours are asked for when the chart is drawn. A label that is shown already keeps its place.
 export function chart(label, ratio, options) {
-    const place = element('div', { class: 'chart', role: 'img', 'aria-label': label, style: `aspect-ratio: ${ratio}` });
-    shown.set(place, { options });
+    let place = places.get(label);
+    if (!place) {
+        place = element('div', { class: 'chart', role: 'img', 'aria-label': label });
+        places.set(label, place);
+        shown.set(place, { label, near: true });
+    }
+    place.style.aspectRatio = ratio;
+    Object.assign(shown.get(place), { options, stale: true });
     return place;
 }
 
@@ -69,7 +89,7 @@ function draw(place, entry) {
     const base = basis();
     const { tooltip, ...rest } = entry.options();
     entry.instance.setOption({ ...base, ...rest, tooltip: { ...base.tooltip, ...tooltip } }, true);
-    resizes.observe(place);
+    entry.stale = false;
 }
 
 // Draws what is new in the document, all of it again on request, and lets go of what has left it.
@@ -77,11 +97,16 @@ export function draw_charts(again = false) {
     for (const [place, entry] of shown) {
         if (!place.isConnected) {
             resizes.unobserve(place);
+            nearby.unobserve(place);
             entry.instance?.dispose();
             shown.delete(place);
-        } else if (again || !entry.instance) {
-            draw(place, entry);
+            places.delete(entry.label);
+            continue;
         }
+        entry.stale ||= again;
+        if (entry.stale && (entry.near || !entry.instance)) draw(place, entry);
+        resizes.observe(place);
+        nearby.observe(place);
     }
 }
 

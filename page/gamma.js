@@ -26,8 +26,9 @@ const tooltip = {
             .join('<br>'),
 };
 
-function curve_options(tables, plain) {
+function curve_options(tables, plain, reference) {
     const dashed = { lineStyle: { width: 1.5, type: [6, 4] } };
+    const thin = { lineStyle: { width: 0.75 } };
     return {
         grid: { left: 58, right: 16, top: 16, bottom: 48 },
         tooltip,
@@ -36,6 +37,7 @@ function curve_options(tables, plain) {
         series: [
             ...tables.map((values, channel) => line(`channel ${channel}`, values, channel)),
             ...plain.map((values, channel) => line(`channel ${channel}, plain`, values, channel, dashed)),
+            ...reference.map((values, channel) => line(`channel ${channel}, before`, values, channel, thin)),
         ],
     };
 }
@@ -56,21 +58,34 @@ function effect_options(tables, plain) {
     };
 }
 
-function legend(changed) {
+function legend(changed, label) {
     const keys = channel_colours.map((name, channel) =>
         element('li', {}, element('i', { style: `background: var(--${name})` }), `channel ${channel}`),
     );
     if (changed) keys.push(element('li', {}, element('i', { class: 'dashed' }), 'without brightness and contrast'));
+    if (label) keys.push(element('li', {}, element('i', { class: 'thin' }), `the frame ${label}`));
     return element('ul', { class: 'legend' }, keys);
+}
+
+// The reference's tables, where they are others of the same length.
+function reference_tables(tables, reference) {
+    const old = reference ? tables_of(reference.frame) : [];
+    const differ = old.some((table, channel) => table.some((value, entry) => value !== tables[channel][entry]));
+    return differ && old[0].length === tables[0].length ? old : [];
+}
+
+function tables_of(frame) {
+    return frame.blocks.filter(({ name }) => name.startsWith('gamma_')).map(({ fields }) => fields.table);
 }
 
 function figure(title, ...parts) {
     return element('figure', { class: 'card' }, element('figcaption', {}, title), parts);
 }
 
-export function gamma_section(frame) {
+export function gamma_section(frame, reference) {
     const blocks = frame.blocks.filter(({ name }) => name.startsWith('gamma_'));
-    const tables = blocks.map(({ fields }) => fields.table);
+    const tables = tables_of(frame);
+    const old = reference_tables(tables, reference);
     const plain = frame.plain_gamma;
     const { brightness, contrast } = frame.inputs.controls;
     const changed = tables.some((table, channel) => table.some((value, entry) => value !== plain[channel][entry]));
@@ -81,8 +96,8 @@ export function gamma_section(frame) {
     ];
     if (blocks.some(({ origin }) => origin.from === 'kept'))
         parts.push(note('This frame has no gamma curves: its tables are what an earlier frame left, or zero.'));
-    const curves = chart('Gamma tables', changed ? 1.5 : 2.6, () => curve_options(tables, changed ? plain : []));
-    const figures = [figure('Gamma tables', curves, legend(changed))];
+    const curves = chart('Gamma tables', changed ? 1.5 : 2.6, () => curve_options(tables, changed ? plain : [], old));
+    const figures = [figure('Gamma tables', curves, legend(changed, old.length > 0 && reference.label))];
     if (changed) {
         const effect = chart('Change by brightness and contrast', 1.5, () => effect_options(tables, plain));
         figures.push(figure('What brightness and contrast add', effect, legend(false)));

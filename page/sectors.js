@@ -47,7 +47,7 @@ function closed(points) {
     return [...points, points[0]];
 }
 
-function plane_options(sectors) {
+function plane_options(sectors, old) {
     const reach = Math.max(1.2, 1.1 * Math.max(...sectors.map(({ to }) => Math.max(...to.map(Math.abs)))));
     const limit = Math.ceil(reach * 5) / 5;
     const square = (name) =>
@@ -69,6 +69,12 @@ function plane_options(sectors) {
         yAxis: square('V (Cr)'),
         series: [
             outline(circle, { lineStyle: { width: 1, type: 'dashed', color: colour('soft') } }),
+            ...old.map((before) =>
+                outline(
+                    before.map(({ to }) => to),
+                    { lineStyle: { width: 0.75, color: colour('soft') } },
+                ),
+            ),
             outline(
                 sectors.map(({ to }) => to),
                 { lineStyle: { width: 1.5, color: colour('text') }, areaStyle: undefined },
@@ -102,8 +108,9 @@ function plane_options(sectors) {
     };
 }
 
-export function sectors_figure(frame) {
+export function sectors_figure(frame, reference) {
     const sectors = sectors_of(frame);
+    const old = reference ? [sectors_of(reference.frame)] : [];
     const rows = sectors.map(({ i, degrees, matrix, length, turn }) => [
         element(
             'span',
@@ -129,7 +136,7 @@ export function sectors_figure(frame) {
                 { class: 'note' },
                 'Rings: the unit vector on each sector\u2019s axis. Discs: where the sector\u2019s matrix takes it.',
             ),
-            chart('The sixteen chroma sectors on the colour plane', 1, () => plane_options(sectors)),
+            chart('The sixteen chroma sectors on the colour plane', 1, () => plane_options(sectors, old)),
         ),
         element(
             'figure',

@@ -41,7 +41,22 @@ function scale_bar([low, high]) {
     return element('p', { class: 'scale' }, `gain ${number_text(low)}`, bar, number_text(high));
 }
 
-export function shading_section(frame) {
+// What became of the reference's tables.
+function change_note(tables, reference) {
+    const old = reference?.frame.blocks.find(({ name }) => name === 'lens_shading')?.fields.tables.flat(2);
+    const entries = tables.flat(2);
+    const changed = old && old.length === entries.length ? entries.filter((entry, i) => entry !== old[i]).length : -1;
+    if (!reference || changed === 0) return [];
+    return [
+        note(
+            changed < 0
+                ? `The frame ${reference.label} has tables of another size.`
+                : `${changed} of ${entries.length} entries differ from the frame ${reference.label}.`,
+        ),
+    ];
+}
+
+export function shading_section(frame, reference) {
     const block = frame.blocks.find(({ name }) => name === 'lens_shading');
     if (!block) return [note('No lens shading block in this frame.')];
     const { enable, columns, rows, format, scaled_width, scaled_height, tables } = block.fields;
@@ -67,6 +82,7 @@ export function shading_section(frame) {
         ...(enable
             ? []
             : [note('Not enabled: the inputs could not be used, the tables are left from an earlier frame.')]),
+        ...change_note(tables, reference),
         scale_bar(range),
         element('div', { class: 'pair' }, figures),
     ];

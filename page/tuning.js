@@ -64,15 +64,22 @@ function column_choices(columns) {
     return choices;
 }
 
-function curve_options(curves, chosen, gain, relative) {
+// What a reader chose to see.
+const view = { relative: true, choices: new Map() }; // slot to the number of a choice of columns
+
+function curve_options(curves, chosen, gain, relative, old) {
     const { gains, keys, columns } = curves;
     const is_key = new Set(keys);
     const share = (column) => (relative ? 100 / (largest(columns[column]) || 1) : 1);
     // Whole octaves with some room on either side.
     const first = 2 ** Math.max(0, Math.floor(Math.log2(Math.min(gains[0], Math.max(1, gain)) / 1.2)));
     const last = 2 ** Math.ceil(Math.log2(Math.max(gains.at(-1), gain) * 1.2));
-    const points = (column) => {
-        const values = gains.map((at, i) => [at, columns[column][i] * share(column), columns[column][i]]);
+    const points_of = (from, column) => {
+        const values = from.gains.map((at, i) => [
+            at,
+            from.columns[column][i] * share(column),
+            from.columns[column][i],
+        ]);
         // Outside the table the nearest row holds.
         const end = (at, value) => [at, value[1], value[2]];
         return [end(first, values[0]), ...values, end(last, values.at(-1))];
@@ -96,46 +103,82 @@ function curve_options(curves, chosen, gain, relative) {
             splitLine: { show: false },
         }),
         yAxis: axis({ axisLabel: { ...axis({}).axisLabel, ...(relative && { formatter: '{value} %' }) }, scale: true }),
-        series: chosen.map((column, i) => ({
-            name: `value ${column}`,
-            type: 'line',
-            data: points(column),
-            color: palette[i],
-            lineStyle: { width: 2 },
-            symbol: (value) => (is_key.has(value[0]) ? 'circle' : 'none'),
-            symbolSize: 6,
-            showAllSymbol: true,
-            emphasis: { disabled: true },
-            ...(i === 0 && {
-                markLine: {
-                    symbol: 'none',
-                    silent: true,
-                    lineStyle: { color: colour('accent'), width: 1.5, type: 'solid' },
-                    label: { formatter: gain_text(gain), color: colour('accent'), fontWeight: 'bold' },
-                    data: [{ xAxis: Math.max(1, gain) }],
-                },
-            }),
-        })),
+        series: chosen.flatMap((column, i) => [
+            ...thin_line(old, column, (from) => points_of(from, column), palette[i]),
+            {
+                name: `value ${column}`,
+                type: 'line',
+                data: points_of(curves, column),
+                color: palette[i],
+                lineStyle: { width: 2 },
+                symbol: (value) => (is_key.has(value[0]) ? 'circle' : 'none'),
+                symbolSize: 6,
+                showAllSymbol: true,
+                emphasis: { disabled: true },
+                ...(i === 0 && {
+                    markLine: {
+                        symbol: 'none',
+                        silent: true,
+                        lineStyle: { color: colour('accent'), width: 1.5, type: 'solid' },
+                        label: { formatter: gain_text(gain), color: colour('accent'), fontWeight: 'bold' },
+                        data: [{ xAxis: Math.max(1, gain) }],
+                    },
+                }),
+            },
+        ]),
     };
 }
 
-function legend_items(chosen, at_gain) {
+// A column of the reference's record as a thin line, where it is another.
+function thin_line(old, column, points, color) {
+    if (!old?.columns[column]) return [];
+    return [
+        {
+            name: `value ${column}, before`,
+            type: 'line',
+            data: points(old),
+            color,
+            lineStyle: { width: 0.75 },
+            showSymbol: false,
+            emphasis: { disabled: true },
+        },
+    ];
+}
+
+function legend_items(chosen, at_gain, old_at_gain = at_gain) {
+    const value = (column) => {
+        const [now, old] = [at_gain[column], old_at_gain[column]].map((each) => number_text(each ?? 0));
+        return now === old ? now : element('mark', { class: 'was', title: `was ${old}` }, now);
+    };
     return chosen.map((column, i) =>
         element(
             'li',
             {},
             element('i', { style: `background: ${palette[i]}` }),
             `value ${column}: `,
-            element('b', {}, number_text(at_gain[column])),
+            element('b', {}, value(column)),
         ),
     );
 }
 
-function curve_card({ slot, at_gain }, curves, gain, relative) {
+// The reference's record of the same slot: its values at its gain, and its curves where they are others.
+function old_record(slot, curves, reference) {
+    const record = reference?.frame.records.find((each) => each.slot === slot);
+    if (!record) return {};
+    const old = reference.curves[record.curves];
+    const same = JSON.stringify([old.keys, old.columns]) === JSON.stringify([curves.keys, curves.columns]);
+    return { at_gain: record.at_gain, curves: same ? null : old };
+}
+
+function curve_card({ slot, at_gain }, curves, gain, reference) {
     const choices = column_choices(curves.columns);
-    let [[, chosen]] = choices;
-    const place = chart(`Values of ${slot} over the gain`, 1.6, () => curve_options(curves, chosen, gain, relative()));
-    const legend = element('ul', { class: 'legend' }, legend_items(chosen, at_gain));
+    const old = old_record(slot, curves, reference);
+    const chosen = () => (choices[view.choices.get(slot) ?? 0] ?? choices[0])[1];
+    const place = chart(`Values of ${slot} over the gain`, 1.6, () =>
+        curve_options(curves, chosen(), gain, view.relative, old.curves),
+    );
+    const items = () => legend_items(chosen(), at_gain, old.at_gain);
+    const legend = element('ul', { class: 'legend' }, items());
     const caption = element('figcaption', {}, curves.kind);
     if (choices.length > 1) {
         const select = element(
@@ -143,9 +186,10 @@ function curve_card({ slot, at_gain }, curves, gain, relative) {
             {},
             choices.map(([name], i) => element('option', { value: i }, name)),
         );
+        select.value = view.choices.get(slot) ?? 0;
         select.addEventListener('change', () => {
-            [, chosen] = choices[select.value];
-            legend.replaceChildren(...legend_items(chosen, at_gain));
+            view.choices.set(slot, Number(select.value));
+            legend.replaceChildren(...items());
             redraw(place);
         });
         caption.append(element('label', {}, 'values ', select));
@@ -161,7 +205,7 @@ function curve_card({ slot, at_gain }, curves, gain, relative) {
     return { card, place };
 }
 
-export function tuning_section(frame, curves) {
+export function tuning_section(frame, curves, reference) {
     const selection = selection_notes(frame.origin);
     if (!frame.records.length)
         return [
@@ -169,9 +213,12 @@ export function tuning_section(frame, curves) {
             note('No gain-indexed tuning record serves this frame; see the blocks for what they hold instead.'),
         ];
     const { gain } = frame.origin;
-    const box = element('input', { type: 'checkbox', checked: '' });
-    const cards = frame.records.map((record) => curve_card(record, curves[record.curves], gain, () => box.checked));
-    box.addEventListener('change', () => cards.forEach(({ place }) => redraw(place)));
+    const box = element('input', { type: 'checkbox', ...(view.relative && { checked: '' }) });
+    const cards = frame.records.map((record) => curve_card(record, curves[record.curves], gain, reference));
+    box.addEventListener('change', () => {
+        view.relative = box.checked;
+        cards.forEach(({ place }) => redraw(place));
+    });
     return [
         ...selection,
         note(

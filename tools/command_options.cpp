@@ -103,6 +103,10 @@ void add_report(CLI::App &app, chosen_command &chosen)
     add_inputs(*command, options->inputs);
     add_frame(*command, options->frame);
     add_settings(*command, options->settings);
+    command->add_option("--against", options->against, "Another tuning, whose frames are the reference for changes")
+        ->type_name("FILE");
+    command->add_flag("--static", options->is_static, "Leave out what makes the page live: a smaller page of pictures");
+    command->add_flag("--open", options->open, "Show the page in the browser that BROWSER names, else with xdg-open");
     command->footer("Example: all frames of a scene, to choose from in the page\n"
                     "  qz-isp report night.html --tuning sensor.vuxb --scene night.json --frame all");
     on_choice(*command, chosen, options, report);

@@ -64,10 +64,10 @@ _qz_isp()
         ;;
     'report '*)
         case $previous in
-        --tuning | --scene) files=yes ;;
+        --tuning | --scene | --against) files=yes ;;
         --frame) words="all $(_qz_isp_names frame)" ;;
         --set) _qz_isp_settings ;;
-        *) words='--tuning --scene --frame --set' files=yes ;;
+        *) words='--tuning --scene --frame --set --against --static --open' files=yes ;;
         esac
         ;;
     'sweep '*)

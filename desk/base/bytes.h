@@ -28,4 +28,7 @@ std::string_view text_of(byte_view bytes);
 // Two digits a byte.
 std::string hex_text(byte_view bytes);
 
+// Four characters for three bytes.
+std::string base64_text(byte_view bytes);
+
 } // namespace qz::desk

@@ -73,7 +73,9 @@ export class IspModule {
         this.held[input] = value;
         if (value === undefined || this.sent[input] === value) return;
         const bytes =
-            value instanceof Uint8Array ? value : encoder.encode(typeof value === 'string' ? value : JSON.stringify(value));
+            value instanceof Uint8Array
+                ? value
+                : encoder.encode(typeof value === 'string' ? value : JSON.stringify(value));
         const start = this.instance.exports.input_bytes(place, bytes.length);
         new Uint8Array(this.instance.exports.memory.buffer, start, bytes.length).set(bytes);
         this.sent[input] = value;

@@ -20,6 +20,7 @@
 #include "desk/run/settings.h"
 #include "desk/scene/frame_fields.h"
 #include "desk/scene/input_by_name.h"
+#include "desk/scene/to_json.h"
 #include "desk/tuning/container.h"
 #include "desk/tuning/load.h"
 #include "desk/tuning/to_json.h"
@@ -86,7 +87,7 @@ request read_request()
         read.frame = choice->text();
     if (const std::optional<json_node> settings = document.find("settings")) {
         for (const json_node &setting : settings->items())
-            read.settings.push_back(setting.text());
+            read.settings.emplace_back(setting.text());
     }
     return read;
 }
@@ -184,15 +185,20 @@ QZ_MODULE_EXPORT(makernote) void makernote()
     result = save_makernote(list.get());
 }
 
-// The container of a tuning, and its JSON source.
+// The container of the tuning, its JSON source, and the scene, all three with the request's settings.
 QZ_MODULE_EXPORT(container) void container()
 {
-    result = usable_container(read_request().tuning_name, held_inputs[tuning_input]);
+    result = prepared(read_request()).container;
 }
 
 QZ_MODULE_EXPORT(source) void source()
 {
-    const std::string name = read_request().tuning_name;
-    const byte_buffer bytes = container_bytes(name, held_inputs[tuning_input]);
-    set_result(container_source(read_container(name, bytes)));
+    const request asked = read_request();
+    const prepared from(asked);
+    set_result(container_source(read_container(asked.tuning_name, from.container)));
+}
+
+QZ_MODULE_EXPORT(scene) void scene_json()
+{
+    set_result(scene_source(prepared(read_request()).setup));
 }

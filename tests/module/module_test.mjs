@@ -71,17 +71,26 @@ test('frames with random inputs are those of the program', () => {
 });
 
 test('containers and sources are those of the program', () => {
-    const container = isp.call('container', { tuning, request: {} });
+    const container = isp.call('container', { tuning, scene, request: {} });
     assert.ok(qz_isp(['tuning', 'pack', '-', '-'], tuning).stdout.equals(container));
-    const source = isp.call('source', { tuning: container, request: {} });
-    assert.equal(new TextDecoder().decode(source), qz_isp(['tuning', 'show', '--json', '-'], container).stdout.toString());
+    const source = isp.call('source', { tuning: container, scene, request: {} });
+    assert.equal(
+        new TextDecoder().decode(source),
+        qz_isp(['tuning', 'show', '--json', '-'], container).stdout.toString(),
+    );
 });
 
 test('what is refused is refused with the message of the program, and the next call works', () => {
     const name = 'standard input';
-    const truncated = isp.call('container', { tuning, request: {} }).slice(0, 1000);
+    const truncated = isp.call('container', { tuning, scene, request: {} }).slice(0, 1000);
     const tunings = ['{"records": [', '{"records": [{}]}', '{"recrods": []}', 'VUXB', new Uint8Array(40), truncated];
-    const scenes = ['{}', '{"frames": [{"hue": 200}]}', '{"frames": [{"exposure": 1e400}]}', '{"frames": {"\0": 1}}', ''];
+    const scenes = [
+        '{}',
+        '{"frames": [{"hue": 200}]}',
+        '{"frames": [{"exposure": 1e400}]}',
+        '{"frames": {"\0": 1}}',
+        '',
+    ];
     const cases = [
         ...tunings.map((bytes) => [{ tuning: bytes, scene }, ['--tuning', '-']]),
         ...scenes.map((bytes) => [{ tuning, scene: bytes }, ['--scene', '-']]),

@@ -44,6 +44,7 @@ async function open_page(device, file) {
     page.on('pageerror', (error) => troubles.push(error.message));
     page.on('request', (request) => request.url() === `file://${file}` || troubles.push(`asks for ${request.url()}`));
     await page.goto(`file://${file}`);
+    if (await page.$('#module')) await page.waitForSelector('.live .knob', { state: 'attached' });
     return { page, troubles };
 }
 
@@ -54,7 +55,10 @@ function empty_charts(page) {
             .filter((chart) => {
                 const canvas = chart.querySelector('canvas');
                 if (!canvas?.width) return true;
-                const { data } = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height);
+                // A copy, as browsers warn of canvases that are read time and again.
+                const copy = new OffscreenCanvas(canvas.width, canvas.height).getContext('2d');
+                copy.drawImage(canvas, 0, 0);
+                const { data } = copy.getImageData(0, 0, canvas.width, canvas.height);
                 return new Uint32Array(data.buffer).every((pixel, _, pixels) => pixel === pixels[0]);
             })
             .map((chart) => chart.ariaLabel),
@@ -68,7 +72,9 @@ function overflow(page) {
 // What a chart's tooltip says with the pointer at a place given as fractions of its width and height.
 async function hover(page, label, x, y) {
     const chart = page.locator(`[aria-label="${label}"]`);
-    await chart.scrollIntoViewIfNeeded();
+    await chart.evaluate((place) => place.scrollIntoView({ block: 'center' }));
+    // Charts that come near are drawn.
+    await page.evaluate(() => new Promise((done) => setTimeout(() => requestAnimationFrame(done), 100)));
     const box = await chart.boundingBox();
     await page.mouse.move(box.x + x * box.width, box.y + y * box.height);
     const tip = chart.locator(':scope > div').filter({ hasText: /row|gain|sector|entry|frame/ });
@@ -110,6 +116,7 @@ for (const device of Object.keys(widths)) {
         assert.match(await hover(page, 'Values of xnr over the gain', 0.5, 0.5), /^gain \u00d7/);
         await page.screenshot({ path: `sample-${device}.png`, fullPage: true });
 
+        if (device === 'phone' && (await page.$('.live'))) await page.click('#controls summary');
         await page.selectOption('#frame', { label: '2: video' });
         assert.equal(await page.textContent('h1'), 'video');
         assert.match(await page.textContent('#gamma'), /257 entries/);

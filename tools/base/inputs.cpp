@@ -1,7 +1,6 @@
 #include "tools/base/inputs.h"
 
 #include "desk/tuning/load.h"
-#include "desk/tuning/pack.h"
 #include "tools/base/exit_codes.h"
 #include "tools/base/files.h"
 #include "tools/sample/sample.h"
@@ -22,19 +21,24 @@ void expect_one_standard_input(const input_files &files)
         throw usage_error("--tuning and --scene: found standard input for both, expected it for one");
 }
 
+byte_buffer scene_bytes(const input_files &files)
+{
+    return files.scene ? read_file(*files.scene) : byte_buffer(sample_scene.begin(), sample_scene.end());
+}
+
+byte_buffer tuning_bytes(const input_files &files)
+{
+    return files.tuning ? read_file(*files.tuning) : byte_buffer(sample_tuning.begin(), sample_tuning.end());
+}
+
 scene load_scene(const input_files &files)
 {
-    if (!files.scene)
-        return read_scene(sample_name, sample_scene);
-    const byte_buffer bytes = read_file(*files.scene);
-    return read_scene(input_name(*files.scene), text_of(bytes));
+    return read_scene(scene_name(files), text_of(scene_bytes(files)));
 }
 
 byte_buffer load_container(const input_files &files)
 {
-    if (!files.tuning)
-        return pack_container(sample_name, sample_tuning);
-    return usable_container(input_name(*files.tuning), read_file(*files.tuning));
+    return usable_container(tuning_name(files), tuning_bytes(files));
 }
 
 std::vector<std::string> source_files(const input_files &files)

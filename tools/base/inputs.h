@@ -23,6 +23,10 @@ void expect_one_standard_input(const input_files &files);
 desk::scene load_scene(const input_files &files);
 desk::byte_buffer load_container(const input_files &files);
 
+// What those are made of: the bytes of the files, or of what is built in.
+desk::byte_buffer scene_bytes(const input_files &files);
+desk::byte_buffer tuning_bytes(const input_files &files);
+
 // The files that are read, for output_file.
 std::vector<std::string> source_files(const input_files &files);
 

@@ -31,9 +31,12 @@ void expect_page(const report_page &page, std::string_view command)
                                  "which takes packages from the npm registry, and build again");
 }
 
-std::string filled(const report_page &page, const desk::json &data)
+std::string filled(const report_page &page, const desk::json &data, std::string_view module)
 {
-    return std::string(page.before) + inline_json(data) + std::string(page.after);
+    std::string text = std::string(page.before) + inline_json(data);
+    if (!module.empty())
+        text += "</script>\n<script type=\"text/plain\" id=\"module\">" + std::string(module);
+    return text + std::string(page.after);
 }
 
 } // namespace qz::tool

@@ -18,6 +18,11 @@ extern const report_page built_in_page;
 // Throws where there is none; command: for what it is wanted.
 void expect_page(const report_page &page, std::string_view command);
 
-std::string filled(const report_page &page, const desk::json &data);
+// The library and the desk as a WebAssembly module, packed with gzip, in base64; empty in a program that was built
+// without it.
+extern const std::string_view built_in_module;
+
+// The whole page, with the module or, where that is empty, without.
+std::string filled(const report_page &page, const desk::json &data, std::string_view module = {});
 
 } // namespace qz::tool

@@ -40,6 +40,9 @@ struct report_options {
     std::optional<std::string> frame;
     std::vector<std::string> settings;
     std::string page;
+    std::optional<std::string> against; // another tuning, to tell the differences
+    bool is_static = false;             // without the module
+    bool open = false;
 };
 int report(const report_options &options);
 

@@ -1,0 +1,3 @@
+#include "tools/base/report_page.h"
+
+const std::string_view qz::tool::built_in_module = {};
