@@ -6,5 +6,4 @@ const data = JSON.parse(document.getElementById('data').textContent);
 if (data.page === 'sweep') show_sweep(data);
 else show_report(data);
 // The sections that an address names were not there when it was opened.
-if (!location.hash.includes('='))
-    document.getElementById(decodeURIComponent(location.hash.slice(1)))?.scrollIntoView();
+if (!location.hash.includes('=')) document.getElementById(decodeURIComponent(location.hash.slice(1)))?.scrollIntoView();

@@ -3,6 +3,8 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include <fmt/format.h>
+
 namespace qz::tool {
 
 namespace {
@@ -35,7 +37,8 @@ std::string filled(const report_page &page, const desk::json &data, std::string_
 {
     std::string text = std::string(page.before) + inline_json(data);
     if (!module.empty())
-        text += "</script>\n<script type=\"text/plain\" id=\"module\">" + std::string(module);
+        for (const auto &[id, part] : {std::pair("module", module), std::pair("module-licences", module_licences)})
+            text += fmt::format("</script>\n<script type=\"text/plain\" id=\"{}\">{}", id, part);
     return text + std::string(page.after);
 }
 
