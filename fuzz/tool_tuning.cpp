@@ -1,14 +1,16 @@
 // Tuning containers and their JSON sources as qz-isp reads them: whatever it accepts survives the way through the other
-// form, and it refuses what the library refuses.
+// form, it refuses what the library refuses, and it can be checked to its end.
 #include <algorithm>
 
 #include "desk/base/error.h"
+#include "desk/check/check.h"
 #include "desk/explain/explain.h"
 #include "desk/tuning/load.h"
 #include "desk/tuning/pack.h"
 #include "desk/tuning/to_json.h"
 #include "fuzz/input.h"
 #include "qz_isp/context.h"
+#include "qz_isp/error.h"
 
 namespace {
 
@@ -38,12 +40,25 @@ bool library_accepts(desk::byte_view container)
     return context != nullptr;
 }
 
+// Every finding lies in the container.
+void find_faults(desk::byte_view bytes)
+{
+    const uint32_t verdict = desk::check_tuning(bytes, [&](const desk::finding &found) {
+        const desk::finding_place &place = found.place;
+        fuzz::expect(place.offset.value_or(0) < bytes.size() && place.byte.value_or(0) <= bytes.size(),
+                     "findings lie in the file");
+        fuzz::expect(!desk::place_text(place).empty() && !found.what.empty(), "findings say where and what");
+    });
+    fuzz::expect(library_accepts(bytes) == (verdict == ISP_SUCCESS), "the verdict is the library's");
+}
+
 void check(desk::byte_view bytes)
 {
     const desk::tuning_container container = desk::read_container("input", bytes);
     fuzz::expect(library_accepts(bytes) != container.has_errors(), "problems are what the library refuses");
     if (!container.has_errors())
         explain(bytes);
+    find_faults(bytes);
     for (const desk::tuning_problem &problem : container.problems)
         fuzz::expect(problem.offset < bytes.size(), "problems lie in the file");
     const desk::byte_buffer packed = desk::pack_container("source", desk::container_source(container));

@@ -119,7 +119,7 @@ void check_turns(const column &values, const reporter &report)
                                balance > 0 ? "rises" : "falls", and_more(against - 1, "such rows")));
 }
 
-// A step is a leap when it is a quarter of the column's largest value and four times what steps of the column are
+// A step is a leap when it is an eighth of the column's largest value and three times what steps of the column are
 // otherwise, by difference or by ratio, for a doubling of the gain. In a short column the two steps of one value that
 // is off are what steps are typically: a value four times below or above those on either side is one, too.
 class leap_finder {
@@ -145,9 +145,10 @@ class leap_finder {
     }
 
   private:
-    static constexpr double far_more = 4;
+    static constexpr double far_more = 3;
+    static constexpr double far_off = 2; // powers of two
 
-    bool is_large(int64_t step) const { return std::abs(step) >= std::max(least_leap, largest_ / 4); }
+    bool is_large(int64_t step) const { return std::abs(step) >= std::max(least_leap, largest_ / 8); }
 
     // Up or down.
     bool is_peak(const column &values, size_t i) const
@@ -155,10 +156,9 @@ class leap_finder {
         const int64_t before = values.step(i - 1);
         const int64_t behind = values.step(i);
         const bool turns = before > 0 ? behind < 0 : before < 0 && behind > 0;
-        const double least = std::log2(far_more);
         return turns && (is_large(before) || is_large(behind)) &&
-               octaves_between(values.at(i - 1), values.at(i)) > least &&
-               octaves_between(values.at(i), values.at(i + 1)) > least;
+               octaves_between(values.at(i - 1), values.at(i)) > far_off &&
+               octaves_between(values.at(i), values.at(i + 1)) > far_off;
     }
 
     void measure(const column &values)
