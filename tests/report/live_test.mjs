@@ -3,13 +3,15 @@ import assert from 'node:assert/strict';
 import { execFileSync, spawnSync } from 'node:child_process';
 import { mkdirSync, readFileSync, writeFileSync } from 'node:fs';
 import { createRequire } from 'node:module';
-import { join } from 'node:path';
+import { join, resolve } from 'node:path';
 import { after, before, test } from 'node:test';
 
 const { chromium } = createRequire(join(process.cwd(), 'package.json'))('playwright-core');
 
+const program = resolve(process.env.PROGRAM); // from any directory
+
 function qz_isp(...options) {
-    return execFileSync(process.env.PROGRAM, options, { stdio: ['ignore', 'pipe', 'ignore'], maxBuffer: 2 ** 26 });
+    return execFileSync(program, options, { stdio: ['ignore', 'pipe', 'ignore'], maxBuffer: 2 ** 26 });
 }
 
 let browser;
@@ -175,7 +177,7 @@ test('files are read as the program reads them, and what is saved is what is sho
         await open(name, contents);
         await page.waitForSelector('.alert:not([hidden])');
         writeFileSync(join('files', name), contents);
-        const { stderr } = spawnSync(process.env.PROGRAM, ['run', '--quiet', option, name], { cwd: 'files' });
+        const { stderr } = spawnSync(program, ['run', '--quiet', option, name], { cwd: 'files' });
         assert.equal(`qz-isp: ${await page.textContent('.alert')}\n`, stderr.toString());
         await expect_record(page);
     }
