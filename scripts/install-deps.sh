@@ -8,7 +8,7 @@ set -euo pipefail
 
 run="g++ make cmake ninja-build libcli11-dev nlohmann-json3-dev libfmt-dev"
 test="$run g++-multilib qemu-user googletest pkgconf"
-check="$test git clang-format clang-tidy cppcheck"
+check="$test git clang-format clang-tidy cppcheck libmpfr-dev"
 bench="$run libbenchmark-dev libeigen3-dev libopencv-core-dev libopencv-imgproc-dev libopenblas-dev libyuv-dev
        libxxhash-dev"
 device="$run g++-multilib binutils qemu-user llvm"
