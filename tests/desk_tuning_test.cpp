@@ -7,7 +7,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include "desk/base/json_node.h"
+#include "desk/json/node.h"
 #include "desk/tuning/pack.h"
 #include "desk/tuning/to_json.h"
 #include "desk/tuning/verdict.h"

@@ -8,8 +8,8 @@
 #include <string>
 #include <string_view>
 
-#include "desk/base/json.h"
 #include "desk/check/codes.h"
+#include "desk/json/json.h"
 
 namespace qz::desk {
 

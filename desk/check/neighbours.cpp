@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include "desk/check/rows.h"
+#include "desk/check/contents/rows.h"
 #include "desk/tuning/value_by_name.h"
 #include "qz_isp/gain.h"
 #include "tuning/record_view.h"

@@ -5,10 +5,10 @@
 #include <fmt/format.h>
 
 #include "desk/base/error.h"
-#include "desk/check/curves.h"
-#include "desk/check/entries.h"
-#include "desk/check/limits.h"
-#include "desk/check/rows.h"
+#include "desk/check/contents/curves.h"
+#include "desk/check/contents/entries.h"
+#include "desk/check/contents/limits.h"
+#include "desk/check/contents/rows.h"
 #include "desk/check/slots.h"
 #include "desk/tuning/record_problem.h"
 #include "qz_isp/error.h"

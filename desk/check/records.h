@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "desk/check/record.h"
+#include "desk/check/contents/record.h"
 
 namespace qz::desk {
 

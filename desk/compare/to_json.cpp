@@ -1,9 +1,9 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
-#include "desk/base/json_text.h"
 #include "desk/compare/comparison.h"
 #include "desk/explain/origin_json.h"
+#include "desk/json/text.h"
 
 namespace qz::desk {
 

@@ -4,12 +4,12 @@
 
 #include <fmt/format.h>
 
-#include "desk/base/json_node.h"
 #include "desk/base/named_value.h"
 #include "desk/diff/makernote_parts.h"
 #include "desk/diff/record_parts.h"
 #include "desk/diff/scene_parts.h"
 #include "desk/diff/tuning_parts.h"
+#include "desk/json/node.h"
 #include "desk/makernote/file.h"
 #include "desk/record/dump.h"
 #include "desk/scene/input_by_name.h"

@@ -7,7 +7,7 @@
 #include <fmt/format.h>
 
 #include "desk/base/error.h"
-#include "desk/base/json_text.h"
+#include "desk/json/text.h"
 
 namespace qz::desk {
 

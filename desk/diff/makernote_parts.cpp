@@ -5,7 +5,7 @@
 
 #include <fmt/format.h>
 
-#include "desk/base/json.h"
+#include "desk/json/json.h"
 #include "qz_isp/makernote_records.h"
 
 namespace qz::desk {

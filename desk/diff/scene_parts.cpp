@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include "desk/base/json.h"
+#include "desk/json/json.h"
 #include "desk/scene/frame_fields.h"
 
 namespace qz::desk {

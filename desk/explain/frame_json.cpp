@@ -2,8 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "desk/base/json_text.h"
 #include "desk/explain/origin_json.h"
+#include "desk/json/text.h"
 
 namespace qz::desk {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "desk/base/json.h"
 #include "desk/explain/computed_frames.h"
+#include "desk/json/json.h"
 
 namespace qz::desk {
 

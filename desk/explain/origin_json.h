@@ -1,8 +1,8 @@
 // Origins of a frame's values as JSON.
 #pragma once
 
-#include "desk/base/json.h"
 #include "desk/explain/origin.h"
+#include "desk/json/json.h"
 
 namespace qz::desk {
 

@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "desk/base/json_text.h"
+#include "desk/json/text.h"
 
 namespace qz::desk {
 

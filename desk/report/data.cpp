@@ -2,8 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "desk/base/json_fields.h"
 #include "desk/explain/frame_json.h"
+#include "desk/json/fields.h"
 #include "desk/report/gain_curves.h"
 #include "desk/scene/frame_fields.h"
 

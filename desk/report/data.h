@@ -1,7 +1,7 @@
 // What the report page shows, as JSON.
 #pragma once
 
-#include "desk/base/json.h"
+#include "desk/json/json.h"
 #include "desk/run/session.h"
 #include "desk/scene/frame_choice.h"
 

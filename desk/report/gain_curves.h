@@ -4,8 +4,8 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
-#include "desk/base/json.h"
 #include "desk/explain/explain.h"
+#include "desk/json/json.h"
 
 namespace qz::desk {
 

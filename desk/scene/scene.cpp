@@ -4,8 +4,8 @@
 
 #include <fmt/format.h>
 
-#include "desk/base/json_fields.h"
 #include "desk/base/one_of.h"
+#include "desk/json/fields.h"
 #include "desk/scene/frame_fields.h"
 
 namespace qz::desk {

@@ -4,9 +4,9 @@
 
 #include <fmt/format.h>
 
-#include "desk/base/json_fields.h"
-#include "desk/base/json_text.h"
 #include "desk/base/numbers.h"
+#include "desk/json/fields.h"
+#include "desk/json/text.h"
 #include "desk/scene/frame_fields.h"
 
 namespace qz::desk {

@@ -6,7 +6,7 @@
 #include <variant>
 #include <vector>
 
-#include "desk/base/json.h"
+#include "desk/json/json.h"
 #include "desk/sweep/plan.h"
 
 namespace qz::desk {

@@ -7,8 +7,8 @@
 #include <fmt/format.h>
 
 #include "desk/base/error.h"
-#include "desk/base/json_fields.h"
 #include "desk/base/one_of.h"
+#include "desk/json/fields.h"
 #include "desk/tuning/container.h"
 #include "desk/tuning/source_names.h"
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
-#include "desk/base/json_fields.h"
+#include "desk/json/fields.h"
 #include "desk/tuning/source_names.h"
 
 namespace qz::desk {

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "desk/base/json.h"
-#include "desk/base/json_text.h"
+#include "desk/json/json.h"
+#include "desk/json/text.h"
 #include "desk/tuning/container.h"
 
 namespace qz::desk {

@@ -11,8 +11,8 @@
 #include <nlohmann/json.hpp>
 
 #include "desk/base/error.h"
-#include "desk/base/json_node.h"
 #include "desk/explain/computed_frames.h"
+#include "desk/json/node.h"
 #include "desk/makernote/file.h"
 #include "desk/makernote/handle.h"
 #include "desk/record/dump.h"

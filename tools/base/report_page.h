@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "desk/base/json.h"
+#include "desk/json/json.h"
 
 namespace qz::tool {
 

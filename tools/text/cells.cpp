@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "desk/base/json.h"
+#include "desk/json/json.h"
 
 namespace qz::tool {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "desk/base/json_text.h"
+#include "desk/json/text.h"
 #include "desk/tuning/container.h"
 
 namespace qz::tool {

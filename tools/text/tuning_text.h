@@ -1,7 +1,7 @@
 // The list of a container's records.
 #pragma once
 
-#include "desk/base/json_text.h"
+#include "desk/json/text.h"
 #include "desk/tuning/container.h"
 
 namespace qz::tool {

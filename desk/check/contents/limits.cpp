@@ -1,4 +1,4 @@
-#include "desk/check/limits.h"
+#include "desk/check/contents/limits.h"
 
 #include <algorithm>
 #include <array>

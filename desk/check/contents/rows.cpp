@@ -1,4 +1,4 @@
-#include "desk/check/rows.h"
+#include "desk/check/contents/rows.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 // What the blocks' limits and bits do to a record's values, by the blocks' own routines.
 #pragma once
 
-#include "desk/check/record.h"
+#include "desk/check/contents/record.h"
 
 namespace qz::desk {
 

@@ -1,4 +1,4 @@
-#include "desk/base/json_fields.h"
+#include "desk/json/fields.h"
 
 #include <cstring>
 #include <limits>

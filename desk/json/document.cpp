@@ -1,4 +1,4 @@
-#include "desk/base/json_document.h"
+#include "desk/json/document.h"
 
 #include <algorithm>
 #include <bit>
@@ -8,7 +8,7 @@
 #include <fmt/format.h>
 
 #include "desk/base/error.h"
-#include "desk/base/json.h"
+#include "desk/json/json.h"
 
 namespace qz::desk {
 

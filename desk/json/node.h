@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "desk/base/bytes.h"
-#include "desk/base/json_document.h"
+#include "desk/json/document.h"
 
 namespace qz::desk {
 

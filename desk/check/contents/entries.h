@@ -1,7 +1,7 @@
 // The entries of a multi-axis record.
 #pragma once
 
-#include "desk/check/record.h"
+#include "desk/check/contents/record.h"
 
 namespace qz::desk {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "desk/base/json.h"
+#include "desk/json/json.h"
 
 namespace qz::desk {
 

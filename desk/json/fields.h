@@ -4,8 +4,8 @@
 #include <span>
 
 #include "desk/base/fields.h"
-#include "desk/base/json.h"
-#include "desk/base/json_node.h"
+#include "desk/json/json.h"
+#include "desk/json/node.h"
 
 namespace qz::desk {
 

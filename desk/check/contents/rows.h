@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "desk/check/record.h"
+#include "desk/check/contents/record.h"
 
 namespace qz::desk {
 

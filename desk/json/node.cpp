@@ -1,4 +1,4 @@
-#include "desk/base/json_node.h"
+#include "desk/json/node.h"
 
 #include <algorithm>
 #include <bit>
@@ -11,8 +11,8 @@
 #include <fmt/format.h>
 
 #include "desk/base/error.h"
-#include "desk/base/json.h"
 #include "desk/base/one_of.h"
+#include "desk/json/json.h"
 
 namespace qz::desk {
 

@@ -1,4 +1,4 @@
-#include "desk/check/record.h"
+#include "desk/check/contents/record.h"
 
 #include <algorithm>
 

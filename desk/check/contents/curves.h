@@ -1,7 +1,7 @@
 // Values that stand along a curve.
 #pragma once
 
-#include "desk/check/record.h"
+#include "desk/check/contents/record.h"
 
 namespace qz::desk {
 

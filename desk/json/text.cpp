@@ -1,4 +1,4 @@
-#include "desk/base/json_text.h"
+#include "desk/json/text.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>

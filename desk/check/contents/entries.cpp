@@ -1,4 +1,4 @@
-#include "desk/check/entries.h"
+#include "desk/check/contents/entries.h"
 
 #include <map>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "desk/check/curves.h"
+#include "desk/check/contents/curves.h"
 
 #include <algorithm>
 #include <cstdlib>
