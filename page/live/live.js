@@ -14,12 +14,10 @@ function file_of({ name, path, text, base64 }) {
     return { name, path, bytes: text ?? Uint8Array.from(atob(base64), (character) => character.charCodeAt(0)) };
 }
 
-// Makes the page live and gives true, or leaves it as it is. show(data, reference) draws the sections.
+// Makes the page live, or leaves it as it is where it carries no module. show(data, reference) draws the sections.
 export async function go_live(data, show) {
     const isp = data.files && (await load_module());
-    if (!isp) return false;
-    new LivePage(isp, data, show).start();
-    return true;
+    if (isp) new LivePage(isp, data, show).start();
 }
 
 class LivePage {
